@@ -1,0 +1,50 @@
+// A host for tests: its HostRequestProc records every request with a copy of
+// the record it carried, and answers as the test scripts it, including work
+// done inside a long request (feeding scenes, pressing stop).
+#pragma once
+
+#include "qvPreScan.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <vector>
+
+namespace qvtest {
+
+struct RecordedRequest {
+    int32_t code = 0;
+    intptr_t arg = 0;
+    std::vector<uint8_t> record;      // the record's bytes as the module sent them
+    std::vector<SceneSpan> spans;     // request 3: the chain, in order
+};
+
+class ScriptedHost {
+public:
+    using Answer = std::function<int32_t(intptr_t arg)>;
+
+    static ScriptedHost& Instance();
+    // The callback a PreScanInitInfo carries.
+    static int32_t Proc(int32_t nRequest, intptr_t lParam);
+
+    // Forgets the requests and restores the default answers: requests 1, 3,
+    // 6, 9 and 12 succeed, request 10 has no position, request 11 reports a
+    // ready device, the others answer 0.
+    void Reset();
+    void OnRequest(int32_t code, Answer answer) { m_answers[code] = std::move(answer); }
+
+    const std::vector<RecordedRequest>& Requests() const { return m_requests; }
+    int Count(int32_t code) const;
+    const RecordedRequest* Last(int32_t code) const;
+    std::vector<int32_t> Codes() const;
+
+private:
+    int32_t Handle(int32_t code, intptr_t arg);
+    std::vector<RecordedRequest> m_requests;
+    std::map<int32_t, Answer> m_answers;
+};
+
+// A filled initialisation record that points at the scripted host.
+PreScanInitInfo MakeInitInfo(const char* ext = ".avi", int32_t tv = 2, const char* helpFile = "C:\\help\\qv.hlp");
+
+} // namespace qvtest
