@@ -8,3 +8,6 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="mscoree,mshtml="
 WINE64=/usr/lib/wine/wine64
 WINESERVER=/usr/lib/wine/wineserver
+# The shipped DLLs, for test executables that live elsewhere.
+QV_BIN="${QV_BIN:-$QV_BUILD/bin}"
+export WINEPATH="Z:${QV_BIN//\//\\}"

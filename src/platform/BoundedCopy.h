@@ -17,8 +17,9 @@ namespace qv {
 inline size_t BoundedLength(const char* src, size_t cb)
 {
     if (!src) return 0;
-    const void* nul = std::memchr(src, 0, cb);
-    return nul ? static_cast<size_t>(static_cast<const char*>(nul) - src) : cb;
+    size_t n = 0;
+    while (n < cb && src[n]) ++n;  // never looks past the first NUL
+    return n;
 }
 
 // Copies `src` into `dst` of `cb` bytes; the result is always NUL-terminated.
@@ -47,6 +48,21 @@ inline bool CopyField(char* dst, size_t cb, const char* src, size_t cbSrc)
     dst[n] = 0;
     return fits;
 }
+
+// Fills a fixed record field from a string: at most `cb` bytes are copied,
+// and the field is terminated only when the text is shorter than the field
+// (a text of exactly the field's size fills it with no NUL inside, as the
+// host's records and the list file's header define).  Returns false when cut.
+inline bool FillField(char* dst, size_t cb, const char* src)
+{
+    if (!dst || cb == 0) return false;
+    size_t n = BoundedLength(src, cb + 1);
+    size_t copy = n < cb ? n : cb;
+    if (copy) std::memmove(dst, src, copy);
+    if (copy < cb) dst[copy] = 0;
+    return n <= cb;
+}
+template <size_t N> bool FillField(char (&dst)[N], const char* src) { return FillField(dst, N, src); }
 
 // Appends `src` to the string in `dst` of `cb` bytes.  Returns false when cut.
 inline bool AppendBounded(char* dst, size_t cb, const char* src)

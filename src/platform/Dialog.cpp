@@ -146,7 +146,9 @@ INT_PTR CDialog::DialogProc(UINT msg, WPARAM wp, LPARAM lp)
         return FALSE;
     default: {
         INT_PTR result = 0;
-        return OnMessage(msg, wp, lp, result) ? result : FALSE;
+        if (!OnMessage(msg, wp, lp, result)) return FALSE;
+        if (m_hWnd) SetWindowLongPtrA(m_hWnd, DWLP_MSGRESULT, result);
+        return TRUE;
     }
     }
 }

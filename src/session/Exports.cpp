@@ -6,12 +6,20 @@
 #include "session/NameRules.h"
 #include "session/FolderRules.h"
 #include "session/Session.h"
+#include "dialog/PreScanDlg.h"
+#include "scenes/SceneStore.h"
 
 #include <exception>
+#include <new>
 
 namespace {
 
 const char kIndexFileName[] = "PSIndex.avi";
+
+bool FeedOpen()
+{
+    return HasDialog() && g_csScenes.IsAlive();
+}
 
 template <class F, class R> R Guarded(F&& body, R fallback)
 {
@@ -43,23 +51,56 @@ int32_t qvPreScanInit(const PreScanInitInfo* pInfo)
 int32_t qvPreScanUnInit(void)
 {
     if (!HasSession()) return 1;
-    Guarded([] { EndSession(); });
+    Guarded([] {
+        EndSession();
+        FreeSceneStore();
+    });
     return 1;
 }
 
-HWND qvShowPreScanDlg(HWND /*hParent*/)
+HWND qvShowPreScanDlg(HWND hParent)
 {
-    // The pre-scan dialog is not part of this build yet.
-    return nullptr;
+    return Guarded([&]() -> HWND {
+        if (g_session.pDialog) {
+            delete g_session.pDialog;  // its window, if any, goes with it
+            g_session.pDialog = nullptr;
+        }
+        auto* dlg = new (std::nothrow) CPreScanDlg(hParent);
+        if (!dlg) return nullptr;
+        g_session.pDialog = dlg;
+        if (!dlg->Create(hParent)) return nullptr;
+        dlg->ShowWindow(SW_SHOW);
+        return g_hPreScanWnd;
+    }, static_cast<HWND>(nullptr));
 }
 
-void qvMinimizePreScanDlg(void) {}
-void qvRestorePreScanDlg(void) {}
-void qvForceToStopPreScan(int32_t /*bClose*/) {}
+void qvMinimizePreScanDlg(void)
+{
+    if (HasDialog()) Guarded([] { g_session.pDialog->SendSysCommand(SC_MINIMIZE); });
+}
+
+void qvRestorePreScanDlg(void)
+{
+    if (HasDialog()) Guarded([] { g_session.pDialog->SendSysCommand(SC_RESTORE); });
+}
+
+void qvForceToStopPreScan(int32_t bClose)
+{
+    if (!HasDialog()) return;
+    Guarded([&] {
+        CPreScanDlg* dlg = g_session.pDialog;
+        g_bStopScan = 1;
+        dlg->StopCurrentOperation();
+        if (bClose && dlg->IsWindow()) {
+            g_bForcedStop = 1;
+            dlg->OnClosePreScan();
+        }
+    });
+}
 
 int32_t qvGetCurrentSceneNumber(void)
 {
-    return 0;
+    return HasDialog() ? g_session.pDialog->m_nSceneCount : 0;
 }
 
 void qvGetLibFolderFromPreScan(char* pszFolder)
@@ -76,15 +117,35 @@ void qvGetPreScanIndexFileName(char* pszPath)
 
 int32_t qvPSClearUncompleteScene(void)
 {
-    return 0;
+    if (!HasDialog()) return 0;
+    return Guarded([] { return ClearIncompleteScenes(*g_session.pDialog, 0); }, 0);
 }
 
-void qvSetSceneDataBegin(const SceneInfo* /*pScene*/, const BITMAPINFOHEADER* /*pHeader*/, const void* /*pBits*/) {}
-void qvSetSceneDataEnd(const SceneInfo* /*pScene*/) {}
-void qvSetSceneBitmapData(int32_t /*nScene*/, const BITMAPINFOHEADER* /*pHeader*/, const void* /*pBits*/,
-                          int32_t /*nBytes*/)
+// The scene feed works only while the dialog's window exists; the store's
+// lock (which lives exactly as long) turns calls after the close into no-ops.
+void qvSetSceneDataBegin(const SceneInfo* pScene, const BITMAPINFOHEADER* pHeader, const void* pBits)
 {
+    if (!pScene || !FeedOpen()) return;
+    Guarded([&] { AddSceneBegin(*g_session.pDialog, *pScene, reinterpret_cast<const ThumbHeader*>(pHeader), pBits); });
 }
-void qvSetCapSceneFileName(int32_t /*nScene*/, const char* /*pszPath*/) {}
+
+void qvSetSceneDataEnd(const SceneInfo* pScene)
+{
+    if (!pScene || !FeedOpen()) return;
+    Guarded([&] { CompleteScene(*g_session.pDialog, *pScene); });
+}
+
+void qvSetSceneBitmapData(int32_t nScene, const BITMAPINFOHEADER* pHeader, const void* pBits, int32_t nBytes)
+{
+    if (!FeedOpen() || nScene < 0 || nScene >= g_session.pDialog->m_nSceneCount || !pHeader || !pBits || nBytes < 1)
+        return;
+    Guarded([&] { StoreSceneBitmap(nScene, reinterpret_cast<const ThumbHeader*>(pHeader), pBits, nBytes); });
+}
+
+void qvSetCapSceneFileName(int32_t nScene, const char* pszPath)
+{
+    if (nScene < 0 || !pszPath || !FeedOpen()) return;
+    Guarded([&] { SetCaptureFileName(*g_session.pDialog, nScene, pszPath); });
+}
 
 } // extern "C"

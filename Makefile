@@ -1,0 +1,56 @@
+# qvPreScan: the DV tape pre-scan module, its resource library and the
+# reference host, cross-built for Windows x86-64 and run under Wine.
+#
+#   make demo    the reference host scans the synthetic tape headless
+#   make test    every test: the portable core natively, the rest under Wine
+#   make build   build/bin/: qvPreScan.dll, qvCaptureRC.dll, qvrefhost.exe
+#   make run     the reference host with a real display
+#   make shots   screenshots into docs/
+
+BUILD   := build
+WIN     := $(BUILD)/win
+NATIVE  := $(BUILD)/native
+BIN     := $(abspath $(BUILD)/bin)
+JOBS    ?= $(shell nproc)
+
+.PHONY: all deps build build-win build-native test test-native test-win demo run shots clean
+
+all: build
+
+deps:
+	@scripts/deps.sh
+
+$(WIN)/build.ninja: CMakeLists.txt cmake/mingw-w64.cmake
+	cmake -S . -B $(WIN) -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64.cmake \
+	      -DCMAKE_BUILD_TYPE=Release -DQV_OUTPUT_DIR=$(BIN)
+
+$(NATIVE)/build.ninja: CMakeLists.txt
+	cmake -S . -B $(NATIVE) -G Ninja -DCMAKE_BUILD_TYPE=Debug
+
+build-win: deps $(WIN)/build.ninja
+	cmake --build $(WIN) -j $(JOBS)
+
+build-native: deps $(NATIVE)/build.ninja
+	cmake --build $(NATIVE) -j $(JOBS)
+
+build: build-win build-native
+
+test-native: build-native
+	ctest --test-dir $(NATIVE) --output-on-failure
+
+test-win: build-win
+	scripts/with-display.sh ctest --test-dir $(WIN) --output-on-failure -j 1
+
+test: test-native test-win
+
+demo: build-win
+	scripts/with-display.sh scripts/demo.sh
+
+run: build-win
+	scripts/run-interactive.sh
+
+shots: build-win
+	scripts/with-display.sh scripts/shots.sh
+
+clean:
+	rm -rf $(BUILD)

@@ -1,0 +1,314 @@
+#include "listview/SceneListCtrl.h"
+
+#include "ResourceIds.h"
+#include "listview/RowTexts.h"
+#include "listview/SceneListOwner.h"
+#include "platform/ResourceLib.h"
+#include "scenes/SceneStore.h"
+#include "session/Session.h"
+
+#include <algorithm>
+#include <string>
+
+int g_bCommentColumnCapped;
+int g_bRebuildingList;
+
+namespace {
+
+const int kCommentColumnCap = 160;
+enum { COL_MARK, COL_THUMB_OR_IN, COL_TIMES_OR_OUT, COL_DATE, COL_COMMENT, COL_FILES, COLUMN_COUNT };
+
+qv::RowTextSources TextSources(bool bThumbnails)
+{
+    // The resource texts are loaded once; they do not change while the module runs.
+    static std::string unknownDate, captured, scanned;
+    static HINSTANCE loadedFrom = nullptr;
+    if (loadedFrom != g_hResInst) {
+        unknownDate = qv::LoadResString(IDS_UNKNOWN_DATE);
+        captured = qv::LoadResString(IDS_CAPTURED_FILE_PREFIX);
+        scanned = qv::LoadResString(IDS_SCENE_FILE_PREFIX);
+        loadedFrom = g_hResInst;
+    }
+    qv::RowTextSources src;
+    src.nTvStandard = g_session.nTvStandard;
+    src.bThumbnailView = bThumbnails;
+    src.pszUnknownDate = unknownDate.c_str();
+    src.pszCapturedPrefix = captured.c_str();
+    src.pszScenePrefix = scanned.c_str();
+    return src;
+}
+
+} // namespace
+
+CqvListCtrl::CqvListCtrl()
+{
+    g_bCommentColumnCapped = 0;
+}
+
+CqvListCtrl::~CqvListCtrl()
+{
+    g_bCommentColumnCapped = 0;
+}
+
+int CqvListCtrl::DialogState() const
+{
+    return m_pOwner ? m_pOwner->GetState() : 0;
+}
+
+int CqvListCtrl::GetRowCount() const
+{
+    return static_cast<int>(SendMessage(LVM_GETITEMCOUNT));
+}
+
+int CqvListCtrl::GetColumnCount() const
+{
+    HWND header = reinterpret_cast<HWND>(SendMessage(LVM_GETHEADER));
+    return header ? static_cast<int>(::SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
+}
+
+void CqvListCtrl::DeleteRow(int nRow)
+{
+    SendMessage(LVM_DELETEITEM, static_cast<WPARAM>(nRow));
+}
+
+void CqvListCtrl::DeleteAllRows()
+{
+    SendMessage(LVM_DELETEALLITEMS);
+}
+
+int CqvListCtrl::StringWidth(const char* text) const
+{
+    return static_cast<int>(SendMessage(LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text)));
+}
+
+void CqvListCtrl::SetCellText(int nRow, int nColumn, const std::string& text)
+{
+    LVITEMA item = {};
+    item.iSubItem = nColumn;
+    item.pszText = const_cast<char*>(text.c_str());
+    SendMessage(LVM_SETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
+}
+
+void CqvListCtrl::SizeCommentColumn(const std::string& comment)
+{
+    if (g_bCommentColumnCapped) {
+        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, kCommentColumnCap);
+    } else if (StringWidth(comment.c_str()) > kCommentColumnCap) {
+        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, kCommentColumnCap);
+        g_bCommentColumnCapped = 1;
+    } else {
+        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, LVSCW_AUTOSIZE);
+    }
+}
+
+int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded)
+{
+    if (SceneTableSize() == 0) return 0;
+    SceneRecord* scene = FetchScene(nScene);
+    if (!scene) return 0;
+    qv::RowTexts texts = MakeRowTexts(*scene, bOpenEnded != FALSE, TextSources(m_bShowThumbnails != FALSE));
+
+    int result = 1;
+    if (bInsert) {
+        LVITEMA item = {};
+        item.mask = LVIF_TEXT | LVIF_STATE;
+        item.iItem = nRow;
+        item.pszText = const_cast<char*>("");
+        item.state = item.stateMask = LVIS_SELECTED;
+        result = static_cast<int>(SendMessage(LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
+        if (result < 0) return -1;
+        nRow = result;
+    }
+    if (m_bShowThumbnails) {
+        SetCellText(nRow, COL_TIMES_OR_OUT, texts.times);
+    } else {
+        SetCellText(nRow, COL_THUMB_OR_IN, texts.in);
+        SetCellText(nRow, COL_TIMES_OR_OUT, texts.out);
+    }
+    SetCellText(nRow, COL_DATE, texts.date);
+    SetCellText(nRow, COL_COMMENT, texts.comment);
+    SetCellText(nRow, COL_FILES, texts.files);
+    SizeCommentColumn(texts.comment);
+    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE);
+    return result;
+}
+
+void CqvListCtrl::UpdateOutTimes(int nFirstRow)
+{
+    if (DialogState() != 0) return;
+    int nTable = SceneTableSize();
+    if (nTable == 0 || nFirstRow < 0 || nFirstRow >= GetRowCount()) return;
+    qv::RowTextSources src = TextSources(m_bShowThumbnails != FALSE);
+    for (int i = nFirstRow; i < nTable; ++i) {
+        SceneRecord* scene = FetchScene(i);
+        if (!scene) break;
+        SceneRecord* next = i + 1 < nTable ? FetchScene(i + 1) : nullptr;
+        if (scene->dwTimeCodeOut == 0) {
+            // A scene whose end never came ends where the next one begins.
+            if (next && next->dwTimeCodeIn >= scene->dwTimeCodeIn)
+                scene->dwTimeCodeOut = next->dwTimeCodeIn;
+            else
+                scene->dwTimeCodeOut = scene->dwTimeCodeIn;
+        }
+        SetCellText(i, COL_TIMES_OR_OUT, MakeOutText(*scene, false, src));
+    }
+}
+
+void CqvListCtrl::RefreshCommentAndFiles(int nRow, int nScene, BOOL bComment, BOOL bFiles)
+{
+    if (!m_pOwner || m_pOwner->GetSceneCount() < 1 || SceneTableSize() == 0 || g_arThumbBits.IsEmpty()) return;
+    SceneRecord* scene = FetchScene(nScene);
+    if (!scene) return;
+    qv::RowTexts texts = MakeRowTexts(*scene, false, TextSources(m_bShowThumbnails != FALSE));
+    if (bComment) {
+        SetCellText(nRow, COL_COMMENT, texts.comment);
+        SizeCommentColumn(texts.comment);
+    }
+    if (bFiles) {
+        SetCellText(nRow, COL_FILES, texts.files);
+        SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE);
+    }
+}
+
+BOOL CqvListCtrl::GetSelRange(int& nFirst, int& nLast) const
+{
+    nFirst = std::min(m_nAnchorRow, m_nCurrentRow);
+    nLast = std::max(m_nAnchorRow, m_nCurrentRow);
+    return m_bRangeSelected;
+}
+
+void CqvListCtrl::ClearSelection()
+{
+    LVITEMA item = {};
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED | LVIS_DROPHILITED;
+    item.state = 0;
+    SendMessage(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
+}
+
+void CqvListCtrl::SelectRange(int nFrom, BOOL bRange, int nTo)
+{
+    int nEnd = bRange ? nTo : nFrom;
+    bool range = bRange && nEnd != nFrom;
+    ClearSelection();
+    LVITEMA item = {};
+    item.stateMask = item.state = LVIS_SELECTED;
+    for (int r = std::min(nFrom, nEnd); r <= std::max(nFrom, nEnd); ++r)
+        SendMessage(LVM_SETITEMSTATE, static_cast<WPARAM>(r), reinterpret_cast<LPARAM>(&item));
+    m_nAnchorRow = nFrom;
+    m_nCurrentRow = nEnd;
+    if (m_pOwner && DialogState() == 0) m_pOwner->SetPlayEnabled(range ? FALSE : TRUE);
+}
+
+void CqvListCtrl::SetThumbnailView(BOOL bThumbnails)
+{
+    m_bShowThumbnails = bThumbnails;
+    m_ptClick = {0, 0};
+}
+
+void CqvListCtrl::RedrawAllRows()
+{
+    int n = GetRowCount();
+    if (n > 0) SendMessage(LVM_REDRAWITEMS, 0, n - 1);
+    Invalidate(FALSE);
+}
+
+void CqvListCtrl::DeleteAllColumns()
+{
+    for (int c = GetColumnCount() - 1; c >= 0; --c) SendMessage(LVM_DELETECOLUMN, static_cast<WPARAM>(c));
+}
+
+void CqvListCtrl::InsertSceneColumns()
+{
+    // Thumbnail view 0x35, compact view 0x31.  The thumbnail view's extra
+    // bit is the list's own check-box bit; it shows nothing (every cell is
+    // drawn by the list itself) and the marks never depend on it.
+    DWORD styles = LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_GRIDLINES;
+    if (m_bShowThumbnails) styles |= LVS_EX_CHECKBOXES;
+    SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, static_cast<WPARAM>(-1), styles);
+
+    // Widths are measured in a fresh drawing context of the list, in its
+    // default font.
+    HDC dc = GetDC(m_hWnd);
+    auto width = [dc](const std::string& text) {
+        SIZE size = {0, 0};
+        GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
+        return static_cast<int>(size.cx);
+    };
+    auto header = [](UINT id) {
+        std::string text = qv::LoadResString(id);
+        return text.size() > 99 ? text.substr(0, 99) : text;
+    };
+    std::string titles[COLUMN_COUNT] = {
+        "",
+        header(m_bShowThumbnails ? IDS_COL_THUMBNAIL : IDS_COL_IN),
+        header(m_bShowThumbnails ? IDS_COL_TIMES : IDS_COL_OUT),
+        header(IDS_COL_DATE),
+        header(IDS_COL_COMMENT),
+        header(IDS_COL_FILES),
+    };
+    int widths[COLUMN_COUNT];
+    widths[COL_MARK] = width("     ") + 4;
+    widths[COL_THUMB_OR_IN] = std::max(80, m_bShowThumbnails ? width(titles[1]) : width("In: 00:00:00:00")) + 4;
+    widths[COL_TIMES_OR_OUT] = std::max(80, width("Out: 00:00:00:00")) + 4;
+    widths[COL_DATE] = width(titles[COL_DATE]) + 4;
+    widths[COL_COMMENT] = width(titles[COL_COMMENT]) + 4;
+    ReleaseDC(m_hWnd, dc);
+    RECT client;
+    GetClientRect(&client);
+    widths[COL_FILES] = client.right - client.left;
+    for (int c = 0; c < COL_FILES; ++c) widths[COL_FILES] -= widths[c];
+
+    for (int c = 0; c < COLUMN_COUNT; ++c) {
+        LVCOLUMNA col = {};
+        col.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
+        col.fmt = LVCFMT_CENTER;
+        col.cx = widths[c];
+        col.pszText = const_cast<char*>(titles[c].c_str());
+        col.iSubItem = c;
+        SendMessage(LVM_INSERTCOLUMNA, static_cast<WPARAM>(c), reinterpret_cast<LPARAM>(&col));
+    }
+}
+
+BOOL CqvListCtrl::GetCellRect(int nRow, int nColumn, int nArea, RECT& rc) const
+{
+    if (nColumn != 0) {
+        rc.top = nColumn;
+        rc.left = nArea;
+        return SendMessage(LVM_GETSUBITEMRECT, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&rc)) != 0;
+    }
+    rc.left = nArea;
+    if (!SendMessage(LVM_GETITEMRECT, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&rc))) return FALSE;
+    if (GetColumnCount() <= 1) return TRUE;
+    RECT next = {};
+    next.top = 1;
+    next.left = LVIR_BOUNDS;
+    if (!SendMessage(LVM_GETSUBITEMRECT, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&next))) return FALSE;
+    rc.right = next.left;
+    return TRUE;
+}
+
+BOOL CqvListCtrl::ToggleMarkAt(const RECT* prcBox, int nScene)
+{
+    if (!prcBox || !PtInRect(prcBox, m_ptClick)) return FALSE;
+    int marked = 0;
+    {
+        qv::SceneLockGuard lock(g_csScenes);
+        SceneRecord* scene = g_arScenes.GetAtOrNull(nScene);
+        if (!scene) return FALSE;
+        scene->bMarked = scene->bMarked == 1 ? 0 : 1;
+        marked = scene->bMarked;
+    }
+    m_nMarkedCount += marked ? 1 : -1;
+    if (m_nMarkedCount < 1) {
+        m_nMarkedCount = 0;
+        if (m_pOwner) m_pOwner->SetCaptureEnabled(FALSE);
+    } else if (m_pOwner) {
+        m_pOwner->SetCaptureEnabled(TRUE);
+    }
+    return TRUE;
+}
+
+LRESULT CqvListCtrl::WindowProc(UINT msg, WPARAM wp, LPARAM lp)
+{
+    return Default(msg, wp, lp);
+}

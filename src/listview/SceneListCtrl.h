@@ -1,0 +1,67 @@
+// CqvListCtrl: the scene list.  Row r always shows scene r of the scene
+// table; the list keeps no scene data of its own.  Two views: thumbnail
+// (tall rows, an 80x60 thumbnail, texts on several lines) and compact (one
+// line per row).
+#pragma once
+
+#include "platform/Wnd.h"
+
+#include <commctrl.h>
+
+class CInCommentEdit;
+class SceneListOwner;
+
+// Set once the comment column was narrowed to 160 pixels; it then stays so.
+extern int g_bCommentColumnCapped;
+// Set while the view switch rebuilds the columns: no cell is drawn.
+extern int g_bRebuildingList;
+
+class CqvListCtrl : public CWnd {
+public:
+    CqvListCtrl();
+    ~CqvListCtrl() override;
+
+    void SetOwner(SceneListOwner* pOwner) { m_pOwner = pOwner; }
+
+    // Rows
+    int SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded);
+    void UpdateOutTimes(int nFirstRow);
+    void RefreshCommentAndFiles(int nRow, int nScene, BOOL bComment, BOOL bFiles);
+    int GetRowCount() const;
+    void DeleteRow(int nRow);
+    void DeleteAllRows();
+
+    // Selection
+    BOOL GetSelRange(int& nFirst, int& nLast) const;
+    void ClearSelection();
+    void SelectRange(int nFrom, BOOL bRange, int nTo);
+
+    // Views and columns
+    void SetThumbnailView(BOOL bThumbnails);
+    void RedrawAllRows();
+    void DeleteAllColumns();
+    void InsertSceneColumns();
+    int GetColumnCount() const;
+    BOOL GetCellRect(int nRow, int nColumn, int nArea, RECT& rc) const;
+    BOOL ToggleMarkAt(const RECT* prcBox, int nScene);
+
+    BOOL m_bShowThumbnails = TRUE;
+    BOOL m_bMarkClickPending = FALSE;
+    int m_nMarkedCount = 0;
+    POINT m_ptClick = {0, 0};
+    int m_nAnchorRow = 0;
+    int m_nCurrentRow = 0;
+    BOOL m_bRangeSelected = FALSE;
+    CInCommentEdit* m_pCommentEdit = nullptr;
+
+protected:
+    LRESULT WindowProc(UINT msg, WPARAM wp, LPARAM lp) override;
+
+private:
+    void SetCellText(int nRow, int nColumn, const std::string& text);
+    void SizeCommentColumn(const std::string& comment);
+    int StringWidth(const char* text) const;
+    int DialogState() const;
+
+    SceneListOwner* m_pOwner = nullptr;
+};

@@ -1,0 +1,53 @@
+// One scene of the scene table, stored verbatim in scene list files, so its
+// layout is a file format: declared once, checked at compile time.
+#pragma once
+
+#include "qvPreScan.h"
+
+#include <cstdint>
+
+struct SceneRecord {
+    QV_SCENE_INFO_FIELDS            // as the scene's begin gave them (end fields from its end)
+    int32_t nIndex;                 // the scene's number
+    int32_t bMerged;                // 1 = made by merging; can be split again
+    int32_t bMarked;                // 1 = marked for capture
+    char szComment[QV_COMMENT_SIZE];
+    char szCaptureFile[QV_MAX_PATH];  // the file the host captured for it
+    uint8_t abReserved[40];
+};
+QV_CHECK_SIZE(SceneRecord, 1140);
+QV_CHECK_OFFSET(SceneRecord, dwTimeCodeIn, 0);
+QV_CHECK_OFFSET(SceneRecord, dwTimeCodeOut, 4);
+QV_CHECK_OFFSET(SceneRecord, stRecorded, 8);
+QV_CHECK_OFFSET(SceneRecord, dwThumbSize, 24);
+QV_CHECK_OFFSET(SceneRecord, szSceneFile, 28);
+QV_CHECK_OFFSET(SceneRecord, dwPositionIn, 288);
+QV_CHECK_OFFSET(SceneRecord, dwPositionOut, 292);
+QV_CHECK_OFFSET(SceneRecord, adwHostData, 296);
+QV_CHECK_OFFSET(SceneRecord, nIndex, 308);
+QV_CHECK_OFFSET(SceneRecord, bMerged, 312);
+QV_CHECK_OFFSET(SceneRecord, bMarked, 316);
+QV_CHECK_OFFSET(SceneRecord, szComment, 320);
+QV_CHECK_OFFSET(SceneRecord, szCaptureFile, 840);
+QV_CHECK_OFFSET(SceneRecord, abReserved, 1100);
+
+// The 40-byte bitmap information header that comes with each thumbnail,
+// kept verbatim (the platform's BITMAPINFOHEADER, declared here portably).
+struct ThumbHeader {
+    uint32_t biSize;
+    int32_t biWidth;
+    int32_t biHeight;
+    uint16_t biPlanes;
+    uint16_t biBitCount;
+    uint32_t biCompression;
+    uint32_t biSizeImage;
+    int32_t biXPelsPerMeter;
+    int32_t biYPelsPerMeter;
+    uint32_t biClrUsed;
+    uint32_t biClrImportant;
+};
+QV_CHECK_SIZE(ThumbHeader, 40);
+QV_CHECK_OFFSET(ThumbHeader, biWidth, 4);
+QV_CHECK_OFFSET(ThumbHeader, biHeight, 8);
+QV_CHECK_OFFSET(ThumbHeader, biBitCount, 14);
+QV_CHECK_OFFSET(ThumbHeader, biClrImportant, 36);
