@@ -1,69 +1,138 @@
 // qvrefhost: the reference capture host.  It loads the pre-scan module and
-// its resource library as a real host does and drives them.
+// its resource library as a real host does, drives a virtual DV deck, and
+// answers every request of the module.
 //
-//   qvrefhost --headless [--out FOLDER]   initialise, report, shut down
+//   qvrefhost                       the pre-scan dialog over a small host window
+//   qvrefhost --headless --out DIR  scan the synthetic tape, take a screenshot, close
+//   options: --speed N (tape speed factor while scanning, default 600)
+//            --quick N (quick scan at speed N)   --fault F (device flag F off)
+#include "Automation.h"
+#include "VirtualDeck.h"
 #include "qvPreScan.h"
 
 #include <windows.h>
+#include <commctrl.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 namespace {
 
-int32_t HostRequest(int32_t nRequest, intptr_t lParam)
-{
-    std::printf("host request %d (argument %p)\n", nRequest, reinterpret_cast<void*>(lParam));
-    return 0;
-}
+struct Options {
+    bool headless = false;
+    std::string outDir = ".";
+    double speed = 600;
+    int quick = 0;
+    int fault = -1;
+};
 
-// Where the module keeps its settings: %QVPRESCAN_APPDATA% when set, else
-// %APPDATA%\qvPreScan.
-std::string SettingsFile()
+LRESULT CALLBACK HostWndProc(HWND h, UINT msg, WPARAM wp, LPARAM lp)
 {
-    char folder[MAX_PATH] = "";
-    if (!GetEnvironmentVariableA("QVPRESCAN_APPDATA", folder, sizeof folder)) {
-        GetEnvironmentVariableA("APPDATA", folder, sizeof folder);
-        std::strncat(folder, "\\qvPreScan", sizeof folder - std::strlen(folder) - 1);
+    VirtualDeck* deck = VirtualDeck::Instance();
+    switch (msg) {
+    case WM_TIMER:
+        if (deck && wp == VirtualDeck::kTimerId) deck->OnTimer();
+        return 0;
+    case VirtualDeck::WM_DECK_TAPE_END:
+        if (deck) deck->OnTapeEnd();
+        return 0;
+    case WM_PAINT: {
+        PAINTSTRUCT ps;
+        HDC dc = BeginPaint(h, &ps);
+        RECT rc;
+        GetClientRect(h, &rc);
+        DrawTextA(dc, "Reference capture host - virtual DV deck", -1, &rc, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+        EndPaint(h, &ps);
+        return 0;
     }
-    std::string path = folder;
-    if (!path.empty() && path.back() != '\\') path += '\\';
-    return path + "qvPreScan.ini";
-}
-
-void PrintSettings(const std::string& ini)
-{
-    std::printf("settings file: %s\n", ini.c_str());
-    char keys[4096] = "";
-    GetPrivateProfileStringA("MainSec", nullptr, "", keys, sizeof keys, ini.c_str());
-    for (const char* key = keys; *key; key += std::strlen(key) + 1) {
-        char value[1024] = "";
-        GetPrivateProfileStringA("MainSec", key, "", value, sizeof value, ini.c_str());
-        std::printf("  %s=%s\n", key, value);
+    case WM_CLOSE:
+        PostQuitMessage(0);
+        return 0;
+    default:
+        return DefWindowProcA(h, msg, wp, lp);
     }
 }
 
-int RunHeadless()
+HWND CreateHostWindow()
+{
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = HostWndProc;
+    wc.hInstance = GetModuleHandleA(nullptr);
+    wc.hCursor = LoadCursorA(nullptr, IDC_ARROW);
+    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_APPWORKSPACE + 1);
+    wc.lpszClassName = "qvRefHost";
+    RegisterClassA(&wc);
+    return CreateWindowA("qvRefHost", "Reference Capture Host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 1100, 760,
+                         nullptr, nullptr, wc.hInstance, nullptr);
+}
+
+PreScanInitInfo MakeInitInfo()
 {
     PreScanInitInfo info;
     std::memset(&info, 0, sizeof info);
     info.hHost = GetModuleHandleA(nullptr);
-    info.pfnHostRequest = &HostRequest;
+    info.pfnHostRequest = &VirtualDeck::RequestProc;
     std::strcpy(info.szCaptureExt, ".avi");
     info.nTvStandard = 2;  // 25 frames per second
     info.pszHelpFile = "qvrefhost.hlp";
-    if (!qvPreScanInit(&info)) {
-        std::fprintf(stderr, "the module refused to initialise\n");
+    return info;
+}
+
+Options ParseOptions(int argc, char** argv)
+{
+    Options o;
+    for (int i = 1; i < argc; ++i) {
+        std::string a = argv[i];
+        auto next = [&]() -> const char* { return i + 1 < argc ? argv[++i] : ""; };
+        if (a == "--headless") o.headless = true;
+        else if (a == "--out") o.outDir = next();
+        else if (a == "--speed") o.speed = std::atof(next());
+        else if (a == "--quick") o.quick = std::atoi(next());
+        else if (a == "--fault") o.fault = std::atoi(next());
+    }
+    return o;
+}
+
+int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
+{
+    DWORD start = GetTickCount();
+    MessageBoxAnswerer answerer(IDNO);
+    HWND dlg = qvShowPreScanDlg(hostWindow);
+    if (!dlg) {
+        std::fprintf(stderr, "the pre-scan dialog did not open\n");
         return 1;
     }
-    std::printf("module initialised (capture extension .avi, 25 frames per second)\n");
-    PrintSettings(SettingsFile());
+    Pump(300);  // the device check
+    SetDlgItemTextA(dlg, 12320, "Summer 2003");
+    SendDlgItemMessageA(dlg, 12311, BM_CLICK, 0, 0);  // Start Scan
+    Pump(100);
+    while (deck.Scanning() && GetTickCount() - start < 120000) Pump(50);
+    Pump(400);
+    int scenes = qvGetCurrentSceneNumber();
+    DWORD scanMs = GetTickCount() - start;
+    std::string shot = o.outDir + "\\prescan.bmp";
+    bool saved = SaveWindowBitmap(dlg, shot);
+    std::printf("scan finished: %d scenes found on the tape in %.1f s\n", scenes, scanMs / 1000.0);
+    std::printf("screenshot: %s%s\n", shot.c_str(), saved ? "" : " (could not be written)");
     char index[QV_MAX_PATH] = "";
     qvGetPreScanIndexFileName(index);
-    std::printf("index file: %s\n", index);
-    qvPreScanUnInit();
-    std::printf("module shut down\n");
+    std::printf("index file would be: %s\n", index);
+    qvForceToStopPreScan(1);  // the host closes the dialog; the answerer declines saving
+    Pump(100);
+    std::printf("dialog closed: %s\n", deck.DialogClosed() ? "yes" : "no");
+    return scenes > 0 && deck.DialogClosed() ? 0 : 1;
+}
+
+int RunInteractive(HWND hostWindow, VirtualDeck& deck)
+{
+    if (!qvShowPreScanDlg(hostWindow)) return 1;
+    MSG msg;
+    while (!deck.DialogClosed() && GetMessageA(&msg, nullptr, 0, 0) > 0) {
+        TranslateMessage(&msg);
+        DispatchMessageA(&msg);
+    }
     return 0;
 }
 
@@ -71,10 +140,33 @@ int RunHeadless()
 
 int main(int argc, char** argv)
 {
-    bool headless = false;
-    for (int i = 1; i < argc; ++i)
-        if (std::strcmp(argv[i], "--headless") == 0) headless = true;
-    if (headless) return RunHeadless();
-    std::fprintf(stderr, "usage: qvrefhost --headless\n");
-    return 2;
+    Options o = ParseOptions(argc, argv);
+    INITCOMMONCONTROLSEX icc = {sizeof icc, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&icc);
+    HWND hostWindow = CreateHostWindow();
+    VirtualDeck deck(hostWindow, o.speed);
+    if (o.fault >= 0 && o.fault < 8) deck.SetFault(o.fault, true);
+
+    PreScanInitInfo info = MakeInitInfo();
+    if (!qvPreScanInit(&info)) {
+        std::fprintf(stderr, "the module refused to initialise\n");
+        return 1;
+    }
+    if (o.quick > 0) {
+        // The quick-scan speed is the user's setting; the reference host sets it up front.
+        char value[8];
+        std::snprintf(value, sizeof value, "%d", o.quick);
+        char ini[MAX_PATH];
+        DWORD n = GetEnvironmentVariableA("QVPRESCAN_APPDATA", ini, sizeof ini);
+        if (n && n < sizeof ini - 20) {
+            std::strcat(ini, "\\qvPreScan.ini");
+            WritePrivateProfileStringA("MainSec", "QuickScanSpeed", value, ini);
+            qvPreScanInit(&info);
+        }
+    }
+    std::printf("module initialised (capture extension .avi, 25 frames per second)\n");
+    int rc = o.headless ? RunHeadless(o, hostWindow, deck) : RunInteractive(hostWindow, deck);
+    qvPreScanUnInit();
+    DestroyWindow(hostWindow);
+    return rc;
 }

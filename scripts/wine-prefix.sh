@@ -3,7 +3,17 @@
 set -euo pipefail
 source "$(dirname "$0")/wine-env.sh"
 stamp="$WINEPREFIX/.qv-ready"
-[ -f "$stamp" ] && exit 0
+link_fonts() {
+    # Wine's own fonts are not found by Debian's build: link them where Windows looks.
+    local fonts="$WINEPREFIX/drive_c/windows/Fonts"
+    mkdir -p "$fonts"
+    find "$fonts" -maxdepth 1 -xtype l -delete
+    for f in /usr/share/wine/fonts/*.ttf /usr/share/wine/fonts/*.ttc /usr/share/wine/fonts/*.fon; do
+        [ -e "$f" ] && ln -sf "$f" "$fonts/"
+    done
+    return 0
+}
+if [ -f "$stamp" ]; then link_fonts; exit 0; fi
 mkdir -p "$WINEPREFIX"
 echo "Setting up the Wine prefix in $WINEPREFIX (once)..."
 "$WINE64" wineboot -i </dev/null >/dev/null 2>&1 || true
@@ -13,8 +23,5 @@ reg 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d N
 # A crash prints a backtrace and exits rather than waiting on a dialog.
 reg 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0
 "$WINESERVER" -w
-# Wine's own fonts are not found by Debian's build: link them where Windows looks.
-fonts="$WINEPREFIX/drive_c/windows/Fonts"
-mkdir -p "$fonts"
-for f in /usr/share/wine/fonts/*; do ln -sf "$f" "$fonts/"; done
+link_fonts
 touch "$stamp"

@@ -89,6 +89,9 @@ void CqvListCtrl::SetCellText(int nRow, int nColumn, const std::string& text)
     SendMessage(LVM_SETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
 }
 
+// The comment column fits its texts, at most 160 pixels once a wider comment
+// was seen.  Sizing to the texts never makes a column narrower than its own
+// header, so an empty column still shows what it is for.
 void CqvListCtrl::SizeCommentColumn(const std::string& comment)
 {
     if (g_bCommentColumnCapped) {
@@ -97,7 +100,7 @@ void CqvListCtrl::SizeCommentColumn(const std::string& comment)
         SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, kCommentColumnCap);
         g_bCommentColumnCapped = 1;
     } else {
-        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, LVSCW_AUTOSIZE);
+        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, LVSCW_AUTOSIZE_USEHEADER);
     }
 }
 
@@ -129,7 +132,7 @@ int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded
     SetCellText(nRow, COL_COMMENT, texts.comment);
     SetCellText(nRow, COL_FILES, texts.files);
     SizeCommentColumn(texts.comment);
-    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE);
+    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
     return result;
 }
 
@@ -166,7 +169,7 @@ void CqvListCtrl::RefreshCommentAndFiles(int nRow, int nScene, BOOL bComment, BO
     }
     if (bFiles) {
         SetCellText(nRow, COL_FILES, texts.files);
-        SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE);
+        SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
     }
 }
 

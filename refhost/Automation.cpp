@@ -1,0 +1,96 @@
+#include "Automation.h"
+
+#include <cstdio>
+#include <vector>
+
+HHOOK MessageBoxAnswerer::s_hook;
+int MessageBoxAnswerer::s_button;
+HWND MessageBoxAnswerer::s_pending;
+
+MessageBoxAnswerer::MessageBoxAnswerer(int button)
+{
+    s_button = button;
+    s_hook = SetWindowsHookExA(WH_CBT, &MessageBoxAnswerer::CbtProc, nullptr, GetCurrentThreadId());
+}
+
+MessageBoxAnswerer::~MessageBoxAnswerer()
+{
+    UnhookWindowsHookEx(s_hook);
+    s_hook = nullptr;
+}
+
+LRESULT CALLBACK MessageBoxAnswerer::CbtProc(int code, WPARAM wp, LPARAM lp)
+{
+    if (code == HCBT_ACTIVATE && wp) {
+        HWND h = reinterpret_cast<HWND>(wp);
+        char cls[16] = "";
+        GetClassNameA(h, cls, sizeof cls);
+        if (std::string(cls) == "#32770" && GetDlgItem(h, 0xFFFF) && !s_pending) {
+            s_pending = h;
+            SetTimer(nullptr, 0, 50, &MessageBoxAnswerer::AnswerLater);
+        }
+    }
+    return CallNextHookEx(s_hook, code, wp, lp);
+}
+
+VOID CALLBACK MessageBoxAnswerer::AnswerLater(HWND, UINT, UINT_PTR id, DWORD)
+{
+    KillTimer(nullptr, id);
+    HWND box = s_pending;
+    s_pending = nullptr;
+    if (!IsWindow(box)) return;
+    char text[1024] = "";
+    GetWindowTextA(GetDlgItem(box, 0xFFFF), text, sizeof text);
+    std::printf("message: %s\n  answered: %s\n", text, s_button == IDYES ? "Yes" : s_button == IDNO ? "No" : "OK");
+    int button = GetDlgItem(box, s_button) ? s_button : IDOK;
+    PostMessageA(box, WM_COMMAND, button, 0);
+}
+
+bool SaveWindowBitmap(HWND hWnd, const std::string& path)
+{
+    RECT rc;
+    if (!GetWindowRect(hWnd, &rc)) return false;
+    int w = rc.right - rc.left, h = rc.bottom - rc.top;
+    HDC screen = GetDC(nullptr);
+    HDC mem = CreateCompatibleDC(screen);
+    BITMAPINFO bi = {};
+    bi.bmiHeader.biSize = sizeof bi.bmiHeader;
+    bi.bmiHeader.biWidth = w;
+    bi.bmiHeader.biHeight = h;
+    bi.bmiHeader.biPlanes = 1;
+    bi.bmiHeader.biBitCount = 24;
+    void* bits = nullptr;
+    HBITMAP dib = CreateDIBSection(screen, &bi, DIB_RGB_COLORS, &bits, nullptr, 0);
+    HGDIOBJ old = SelectObject(mem, dib);
+    BitBlt(mem, 0, 0, w, h, screen, rc.left, rc.top, SRCCOPY);
+    GdiFlush();
+    int stride = (w * 3 + 3) & ~3;
+    BITMAPFILEHEADER fh = {};
+    fh.bfType = 0x4D42;
+    fh.bfOffBits = sizeof fh + sizeof bi.bmiHeader;
+    fh.bfSize = fh.bfOffBits + static_cast<DWORD>(stride * h);
+    bool ok = false;
+    if (FILE* f = std::fopen(path.c_str(), "wb")) {
+        ok = std::fwrite(&fh, sizeof fh, 1, f) == 1 && std::fwrite(&bi.bmiHeader, sizeof bi.bmiHeader, 1, f) == 1 &&
+             std::fwrite(bits, static_cast<size_t>(stride * h), 1, f) == 1;
+        std::fclose(f);
+    }
+    SelectObject(mem, old);
+    DeleteObject(dib);
+    DeleteDC(mem);
+    ReleaseDC(nullptr, screen);
+    return ok;
+}
+
+void Pump(DWORD ms)
+{
+    DWORD start = GetTickCount();
+    do {
+        MSG msg;
+        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&msg);
+            DispatchMessageA(&msg);
+        }
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+    } while (GetTickCount() - start < ms);
+}

@@ -1,0 +1,284 @@
+#include "VirtualDeck.h"
+
+#include "AviWriter.h"
+
+#include <cstdio>
+#include <cstring>
+
+VirtualDeck* VirtualDeck::s_instance;
+
+namespace {
+
+const UINT kTickMs = 40;
+const int kCaptureSeconds = 2;
+
+SceneInfo MakeInfo(const TapeScene& s, bool end)
+{
+    SceneInfo info;
+    std::memset(&info, 0, sizeof info);
+    info.dwTimeCodeIn = SyntheticTape::TimeCodeOf(s.nFirstFrame);
+    info.dwTimeCodeOut = end ? SyntheticTape::TimeCodeOf(s.nLastFrame) : 0;
+    info.stRecorded = {s.stRecorded.wYear, s.stRecorded.wMonth, s.stRecorded.wDayOfWeek, s.stRecorded.wDay,
+                       s.stRecorded.wHour, s.stRecorded.wMinute, s.stRecorded.wSecond, 0};
+    info.dwPositionIn = s.nFirstFrame;
+    info.dwPositionOut = end ? s.nLastFrame : 0;
+    return info;
+}
+
+} // namespace
+
+VirtualDeck::VirtualDeck(HWND hHostWindow, double speedFactor) : m_hHost(hHostWindow), m_speed(speedFactor)
+{
+    s_instance = this;
+}
+
+VirtualDeck::~VirtualDeck()
+{
+    m_quickStop = true;
+    if (m_quickThread.joinable()) m_quickThread.join();
+    s_instance = nullptr;
+}
+
+int32_t VirtualDeck::RequestProc(int32_t nRequest, intptr_t lParam)
+{
+    return s_instance ? s_instance->Handle(nRequest, lParam) : 0;
+}
+
+int32_t VirtualDeck::Handle(int32_t nRequest, intptr_t lParam)
+{
+    switch (nRequest) {
+    case HOSTREQ_START_SCAN: {
+        const auto& req = *reinterpret_cast<const ScanRequest*>(lParam);
+        return req.nScanMethod == 3 ? ScanWithCapture(req) : StartScan(req);
+    }
+    case HOSTREQ_STOP_SCAN:
+        StopPlaying();
+        return 1;
+    case HOSTREQ_CAPTURE_SCENES:
+        return Capture(*reinterpret_cast<const CaptureRequest*>(lParam));
+    case HOSTREQ_PLAY_SPAN:
+        return PlaySpan(*reinterpret_cast<const SceneSpan*>(lParam));
+    case HOSTREQ_STOP_PLAY:
+        m_stopPlay = true;
+        return 1;
+    case HOSTREQ_SEEK_TIMECODE:
+        return MoveTo(SyntheticTape::FrameOf(*reinterpret_cast<const uint32_t*>(lParam)));
+    case HOSTREQ_SEEK_POSITION:
+        return MoveTo(*reinterpret_cast<const uint32_t*>(lParam));
+    case HOSTREQ_CHOOSE_LIBRARY: {
+        auto& req = *reinterpret_cast<LibraryRequest*>(lParam);
+        std::snprintf(req.szLibraryFolder, sizeof req.szLibraryFolder, "C:\\Video Library\\Reference Host");
+        req.bSaveToLibrary = 1;
+        return 1;
+    }
+    case HOSTREQ_DIALOG_CLOSED:
+        StopPlaying();
+        m_dialogClosed = true;
+        return 1;
+    case HOSTREQ_GET_POSITION:
+        *reinterpret_cast<uint32_t*>(lParam) = SyntheticTape::TimeCodeOf(m_position);
+        return 1;
+    case HOSTREQ_GET_DEVICE_STATUS: {
+        auto& status = *reinterpret_cast<DeviceStatus*>(lParam);
+        for (int i = 0; i < 8; ++i) status.adwCondition[i] = m_faults[i] ? 0 : 1;
+        return 1;
+    }
+    default:
+        return 0;
+    }
+}
+
+int VirtualDeck::SceneAt(uint32_t frame) const
+{
+    const auto& scenes = m_tape.Scenes();
+    for (size_t i = 0; i < scenes.size(); ++i)
+        if (scenes[i].nLastFrame >= frame) return static_cast<int>(i);
+    return static_cast<int>(scenes.size());
+}
+
+void VirtualDeck::FeedBegin(int i)
+{
+    const TapeScene& s = m_tape.Scenes()[static_cast<size_t>(i)];
+    BITMAPINFOHEADER header;
+    std::vector<uint8_t> bits;
+    SyntheticTape::RenderFrame(i, s.nPattern, 0, 80, 60, header, bits);
+    SceneInfo info = MakeInfo(s, false);
+    info.dwThumbSize = static_cast<uint32_t>(bits.size());
+    qvSetSceneDataBegin(&info, &header, bits.data());
+    m_sceneOpen = true;
+}
+
+void VirtualDeck::FeedEnd(int i)
+{
+    SceneInfo info = MakeInfo(m_tape.Scenes()[static_cast<size_t>(i)], true);
+    qvSetSceneDataEnd(&info);
+    m_sceneOpen = false;
+    ++m_scenesFed;
+}
+
+void VirtualDeck::FeedUpTo(uint32_t frame)
+{
+    const auto& scenes = m_tape.Scenes();
+    while (m_nextScene < static_cast<int>(scenes.size())) {
+        const TapeScene& s = scenes[static_cast<size_t>(m_nextScene)];
+        if (!m_sceneOpen && frame >= s.nFirstFrame) FeedBegin(m_nextScene);
+        if (m_sceneOpen && frame >= s.nLastFrame) {
+            FeedEnd(m_nextScene++);
+            continue;
+        }
+        break;
+    }
+}
+
+int32_t VirtualDeck::StartScan(const ScanRequest& req)
+{
+    if (m_position >= m_tape.LengthInFrames()) m_position = 0;  // rewind a finished tape
+    m_captureFolder = req.szCaptureFolder;
+    m_baseScene = req.nSceneCount;
+    m_nextScene = SceneAt(m_position);
+    m_sceneOpen = false;
+    m_scanning = true;
+    if (req.nQuickScanSpeed > 0) {
+        // A quick scan reports from the deck's own thread, as fast as it finds scenes.
+        if (m_quickThread.joinable()) m_quickThread.join();
+        m_quickStop = false;
+        int first = m_nextScene;
+        m_quickThread = std::thread([this, first] {
+            for (int i = first; i < static_cast<int>(m_tape.Scenes().size()) && !m_quickStop; ++i) {
+                FeedBegin(i);
+                FeedEnd(i);
+                Sleep(2);
+            }
+            PostMessageA(m_hHost, WM_DECK_TAPE_END, 0, 0);
+        });
+        return 1;
+    }
+    SetTimer(m_hHost, kTimerId, kTickMs, nullptr);
+    return 1;
+}
+
+void VirtualDeck::OnTimer()
+{
+    if (!m_scanning) return;
+    uint32_t step = static_cast<uint32_t>(m_speed * kTickMs * SyntheticTape::kFramesPerSecond / 1000.0);
+    m_position = m_position + step > m_tape.LengthInFrames() ? m_tape.LengthInFrames() : m_position + step;
+    FeedUpTo(m_position);
+    if (m_position >= m_tape.LengthInFrames()) OnTapeEnd();
+}
+
+void VirtualDeck::OnTapeEnd()
+{
+    // The end of the tape ends the scan, as the host's deck reports it.
+    KillTimer(m_hHost, kTimerId);
+    if (m_scanning) qvForceToStopPreScan(0);
+    m_scanning = false;
+}
+
+void VirtualDeck::StopPlaying()
+{
+    m_scanning = false;
+    m_quickStop = true;
+    KillTimer(m_hHost, kTimerId);
+}
+
+bool VirtualDeck::PumpWhile(uint32_t ms)
+{
+    DWORD start = GetTickCount();
+    do {
+        MSG msg;
+        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            if (msg.message == WM_QUIT) {
+                PostQuitMessage(static_cast<int>(msg.wParam));
+                return false;
+            }
+            TranslateMessage(&msg);
+            DispatchMessageA(&msg);
+        }
+        if (m_dialogClosed) return false;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 5, QS_ALLINPUT);
+    } while (GetTickCount() - start < ms);
+    return true;
+}
+
+std::string VirtualDeck::CaptureFileName(int nTake) const
+{
+    std::string base = m_captureName.substr(0, m_captureName.rfind('.'));
+    char name[64];
+    std::snprintf(name, sizeof name, " %03d.avi", nTake);
+    std::string folder = m_captureFolder;
+    if (!folder.empty() && folder.back() != '\\') folder += '\\';
+    return folder + base + name;
+}
+
+int32_t VirtualDeck::ScanWithCapture(const ScanRequest& req)
+{
+    // The whole scan runs inside the request: the deck plays, reports each
+    // scene and captures it at once, pumping messages meanwhile.
+    if (m_position >= m_tape.LengthInFrames()) m_position = 0;
+    m_captureFolder = req.szCaptureFolder;
+    m_captureName = req.szCaptureName;
+    m_baseScene = req.nSceneCount;
+    int first = SceneAt(m_position);
+    for (int i = first; i < static_cast<int>(m_tape.Scenes().size()); ++i) {
+        const TapeScene& s = m_tape.Scenes()[static_cast<size_t>(i)];
+        m_position = s.nFirstFrame;
+        FeedBegin(i);
+        if (!PumpWhile(10)) break;
+        m_position = s.nLastFrame;
+        FeedEnd(i);
+        std::string file = CaptureFileName(m_baseScene + i - first + 1);
+        if (WriteSceneAvi(file, i, s.nPattern, kCaptureSeconds)) {
+            qvSetCapSceneFileName(m_baseScene + i - first, file.c_str());
+            ++m_filesCaptured;
+        }
+        if (!PumpWhile(10)) break;
+    }
+    return 1;
+}
+
+int32_t VirtualDeck::Capture(const CaptureRequest& req)
+{
+    m_captureFolder = req.szCaptureFolder;
+    m_captureName.assign(req.szCaptureName, strnlen(req.szCaptureName, sizeof req.szCaptureName));
+    int take = 0;
+    for (const SceneSpan* span = req.pFirstSpan; span && take < req.nSpanCount; span = span->pNext, ++take) {
+        uint32_t first = span->dwPositionIn != QV_NO_POSITION ? span->dwPositionIn
+                                                              : SyntheticTape::FrameOf(span->dwTimeCodeIn);
+        int scene = SceneAt(first);
+        if (scene >= static_cast<int>(m_tape.Scenes().size())) continue;
+        m_position = first;
+        std::string file = CaptureFileName(take + 1);
+        if (WriteSceneAvi(file, scene, m_tape.Scenes()[static_cast<size_t>(scene)].nPattern, kCaptureSeconds)) {
+            qvSetCapSceneFileName(take, file.c_str());  // the n-th marked scene
+            ++m_filesCaptured;
+        }
+        if (!PumpWhile(10)) break;
+    }
+    return 1;
+}
+
+int32_t VirtualDeck::PlaySpan(const SceneSpan& span)
+{
+    uint32_t from = span.dwPositionIn != QV_NO_POSITION ? span.dwPositionIn : SyntheticTape::FrameOf(span.dwTimeCodeIn);
+    uint32_t to = span.dwPositionOut != QV_NO_POSITION && span.dwPositionOut ? span.dwPositionOut
+                                                                             : SyntheticTape::FrameOf(span.dwTimeCodeOut);
+    m_stopPlay = false;
+    m_position = from;
+    // Plays at four times normal speed so a preview does not take minutes.
+    while (!m_stopPlay && m_position < to) {
+        if (!PumpWhile(kTickMs)) break;
+        m_position += 4 * SyntheticTape::kFramesPerSecond * kTickMs / 1000;
+    }
+    return 1;
+}
+
+int32_t VirtualDeck::MoveTo(uint32_t nFrame)
+{
+    uint32_t step = static_cast<uint32_t>(m_speed * kTickMs * SyntheticTape::kFramesPerSecond / 1000.0);
+    while (m_position != nFrame) {
+        if (!PumpWhile(kTickMs)) return 0;
+        if (m_position < nFrame) m_position = nFrame - m_position < step ? nFrame : m_position + step;
+        else m_position = m_position - nFrame < step ? nFrame : m_position - step;
+    }
+    return 1;
+}

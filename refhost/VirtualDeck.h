@@ -1,0 +1,71 @@
+// The reference host's virtual DV deck: it plays the synthetic tape, feeds
+// the module's scene feed while scanning, captures marked scenes into AVI
+// files, moves the tape, and answers every request the module sends.
+#pragma once
+
+#include "SyntheticTape.h"
+#include "qvPreScan.h"
+
+#include <windows.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+class VirtualDeck {
+public:
+    VirtualDeck(HWND hHostWindow, double speedFactor);
+    ~VirtualDeck();
+
+    // The HostRequestProc the module is given (one deck per process).
+    static int32_t RequestProc(int32_t nRequest, intptr_t lParam);
+    static VirtualDeck* Instance() { return s_instance; }
+
+    // The host window's timer and private messages come here.
+    void OnTimer();
+    void OnTapeEnd();
+    static const UINT kTimerId = 77;
+    static const UINT WM_DECK_TAPE_END = WM_APP + 7;
+
+    // Device faults the user can switch on (flags 0..7 of the device status).
+    void SetFault(int nFlag, bool bOn) { m_faults[nFlag] = bOn; }
+
+    bool Scanning() const { return m_scanning; }
+    bool DialogClosed() const { return m_dialogClosed; }
+    int ScenesFed() const { return m_scenesFed; }
+    int FilesCaptured() const { return m_filesCaptured; }
+    const std::string& LastCaptureFolder() const { return m_captureFolder; }
+
+private:
+    int32_t Handle(int32_t nRequest, intptr_t lParam);
+    int32_t StartScan(const ScanRequest& req);
+    int32_t ScanWithCapture(const ScanRequest& req);
+    int32_t Capture(const CaptureRequest& req);
+    int32_t PlaySpan(const SceneSpan& span);
+    int32_t MoveTo(uint32_t nFrame);
+    void StopPlaying();
+    void FeedUpTo(uint32_t nFrame);
+    void FeedBegin(int i);
+    void FeedEnd(int i);
+    bool PumpWhile(uint32_t ms);
+    std::string CaptureFileName(int nTake) const;
+    int SceneAt(uint32_t frame) const;
+
+    static VirtualDeck* s_instance;
+    HWND m_hHost;
+    double m_speed;
+    SyntheticTape m_tape;
+    uint32_t m_position = 0;
+    int m_nextScene = 0;     // next scene whose begin is to be reported
+    bool m_sceneOpen = false;
+    bool m_scanning = false;
+    bool m_stopPlay = false;
+    bool m_dialogClosed = false;
+    bool m_faults[8] = {};
+    std::atomic<int> m_scenesFed{0};
+    int m_filesCaptured = 0;
+    int m_baseScene = 0;     // scenes in the list when the scan started
+    std::string m_captureFolder, m_captureName;
+    std::thread m_quickThread;
+    std::atomic<bool> m_quickStop{false};
+};
