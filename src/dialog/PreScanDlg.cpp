@@ -4,6 +4,7 @@
 #include "dialog/PreScanDlg.h"
 
 #include "ResourceIds.h"
+#include "listview/CommentEdit.h"
 #include "platform/BoundedCopy.h"
 #include "platform/ResourceLib.h"
 #include "platform/SupportLib.h"
@@ -197,6 +198,16 @@ BOOL CPreScanDlg::DestroyWindow()
 
 bool CPreScanDlg::PreTranslateMessage(MSG* pMsg)
 {
+    // Keys typed into the comment editor stay there: Return, Escape and
+    // Delete (and anything with Ctrl) never reach the dialog's own handling.
+    CInCommentEdit* editor = m_listScenes.m_pCommentEdit;
+    if (editor && pMsg->message == WM_KEYDOWN && pMsg->hwnd == editor->m_hWnd && ::GetFocus() == editor->m_hWnd &&
+        (pMsg->wParam == VK_RETURN || pMsg->wParam == VK_ESCAPE || pMsg->wParam == VK_DELETE ||
+         GetKeyState(VK_CONTROL) < 0)) {
+        TranslateMessage(pMsg);
+        if (pMsg->wParam != VK_ESCAPE) DispatchMessageA(pMsg);
+        return true;
+    }
     if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_RETURN) {
         if (m_bPlayEnabled == 1 && m_listScenes.m_bShowThumbnails) {
             ::SendMessageA(GetDlgItem(IDC_PREVIEW), BM_CLICK, 0, 0);
@@ -314,9 +325,11 @@ void CPreScanDlg::OnHelpPreScan()
     WinHelpA(m_hWnd, g_szHelpFile, HELP_CONTEXT, HELP_CONTEXT_PRESCAN);
 }
 
-bool CPreScanDlg::OnNotify(NMHDR*, LRESULT&)
+bool CPreScanDlg::OnNotify(NMHDR* pHdr, LRESULT& result)
 {
-    return false;
+    // The scene list's notifications go back to the list, which draws its
+    // cells and runs its comment editor itself.
+    return m_listScenes.m_hWnd && m_listScenes.OnParentNotify(pHdr, result);
 }
 
 bool CPreScanDlg::OnTimer(UINT_PTR nId)

@@ -89,6 +89,7 @@ public:
 
     // --- Scene commands (sceneops/) ---
     void StopTapePreview();
+    void StopFilePreview() override;
     void SetSceneComment(int nRow, const char* pszText) override;
     void UpdateCapturedScene(int nScene);
 
@@ -150,6 +151,7 @@ protected:
     bool ControlsToData() override;
 
 private:
+    void SeekTo(int32_t nRequest, uint32_t dwValue);
     void OnGoToMenu();
     void OnHelpPreScan();
     void BindControls();

@@ -185,23 +185,24 @@ void CPreScanDlg::OnGoToScene(UINT nId)
 
 void CPreScanDlg::SeekPosition(uint32_t dwPosition)
 {
-    m_bBusy = 1;
-    m_nState = PS_SEEKING;
-    SetStatusTimer(TRUE);
-    UpdateTitle();
-    DisableAllControls();
-    int32_t arrived = SendHostRequest(HOSTREQ_SEEK_POSITION, reinterpret_cast<intptr_t>(&dwPosition));
-    if (arrived && IsWindow() && m_nState == PS_SEEKING) EndSeek();
+    SeekTo(HOSTREQ_SEEK_POSITION, dwPosition);
 }
 
 void CPreScanDlg::SeekTimeCode(uint32_t dwTimeCode)
+{
+    SeekTo(HOSTREQ_SEEK_TIMECODE, dwTimeCode);
+}
+
+void CPreScanDlg::SeekTo(int32_t nRequest, uint32_t dwValue)
 {
     m_bBusy = 1;
     m_nState = PS_SEEKING;
     SetStatusTimer(TRUE);
     UpdateTitle();
     DisableAllControls();
-    int32_t arrived = SendHostRequest(HOSTREQ_SEEK_TIMECODE, reinterpret_cast<intptr_t>(&dwTimeCode));
+    // A zero answer means the tape is still moving: the dialog stays seeking,
+    // with the position in the title, until a stop.
+    int32_t arrived = SendHostRequest(nRequest, reinterpret_cast<intptr_t>(&dwValue));
     if (arrived && IsWindow() && m_nState == PS_SEEKING) EndSeek();
 }
 
@@ -289,6 +290,8 @@ int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
             m_listScenes.SetSceneRow(nRow, nRow, bBegun ? TRUE : FALSE, bBegun ? TRUE : FALSE);
             m_listScenes.SelectRange(nRow, FALSE, 0);
             m_listScenes.SendMessage(WM_VSCROLL, SB_BOTTOM, 0);
+            // Not every list honours SB_BOTTOM; the new row is shown either way.
+            m_listScenes.SendMessage(LVM_ENSUREVISIBLE, static_cast<WPARAM>(nRow), FALSE);
         }
         if (m_bLastSceneComplete) ++m_nSceneCount;
     }

@@ -1,6 +1,7 @@
 #include "listview/SceneListCtrl.h"
 
 #include "ResourceIds.h"
+#include "listview/CommentEdit.h"
 #include "listview/RowTexts.h"
 #include "listview/SceneListOwner.h"
 #include "platform/ResourceLib.h"
@@ -47,6 +48,10 @@ CqvListCtrl::CqvListCtrl()
 
 CqvListCtrl::~CqvListCtrl()
 {
+    delete m_pCommentEdit;
+    m_pCommentEdit = nullptr;
+    if (m_bmpMarkOff) DeleteObject(m_bmpMarkOff);
+    if (m_bmpMarkOn) DeleteObject(m_bmpMarkOn);
     g_bCommentColumnCapped = 0;
 }
 
@@ -309,9 +314,4 @@ BOOL CqvListCtrl::ToggleMarkAt(const RECT* prcBox, int nScene)
         m_pOwner->SetCaptureEnabled(TRUE);
     }
     return TRUE;
-}
-
-LRESULT CqvListCtrl::WindowProc(UINT msg, WPARAM wp, LPARAM lp)
-{
-    return Default(msg, wp, lp);
 }

@@ -8,6 +8,8 @@
 
 #include <commctrl.h>
 
+struct SceneRecord;
+
 class CInCommentEdit;
 class SceneListOwner;
 
@@ -54,14 +56,36 @@ public:
     BOOL m_bRangeSelected = FALSE;
     CInCommentEdit* m_pCommentEdit = nullptr;
 
+    // Notifications the list sends its parent come back here (the dialog
+    // hands every one of them on): custom drawing and the label edits.
+    bool OnParentNotify(NMHDR* pHdr, LRESULT& result);
+    // Ends an open comment edit, keeping its text.
+    void EndCommentEdit();
+
 protected:
     LRESULT WindowProc(UINT msg, WPARAM wp, LPARAM lp) override;
 
 private:
+    // Cell drawing (CellDrawing.cpp)
+    LRESULT OnCustomDraw(NMLVCUSTOMDRAW* pDraw);
+    void DrawCell(HDC dc, int nRow, int nColumn);
+    void DrawMarkCell(HDC dc, int nRow, const RECT& rc, const SceneRecord& scene);
+    void PaintEmptyList();
+    // Input (ListInput.cpp)
+    void OnLButtonDown(UINT flags, POINT pt);
+    void OnLButtonDblClk(UINT flags, POINT pt);
+    bool OnHeaderNotify(NMHEADERA* pHdr, LRESULT& result);
+    bool HitTest(POINT pt, int& nRow, int& nColumn) const;
+    // Comment editor (ListInput.cpp)
+    LRESULT OnBeginLabelEdit(NMLVDISPINFOA* pInfo);
+    LRESULT OnEndLabelEdit(NMLVDISPINFOA* pInfo);
+
     void SetCellText(int nRow, int nColumn, const std::string& text);
     void SizeCommentColumn(const std::string& comment);
     int StringWidth(const char* text) const;
     int DialogState() const;
 
     SceneListOwner* m_pOwner = nullptr;
+    HBITMAP m_bmpMarkOff = nullptr;  // the check boxes, loaded once per list
+    HBITMAP m_bmpMarkOn = nullptr;
 };

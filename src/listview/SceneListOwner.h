@@ -9,5 +9,6 @@ public:
     virtual void SetPlayEnabled(int b) = 0;
     virtual void SetMergeEnabled(int b) = 0;
     virtual void SetCaptureEnabled(int b) = 0;
+    virtual void StopFilePreview() = 0;
     virtual void SetSceneComment(int nRow, const char* pszText) = 0;
 };

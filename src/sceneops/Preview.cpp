@@ -18,3 +18,19 @@ void CPreScanDlg::StopTapePreview()
     SetCursor(LoadCursorA(nullptr, IDC_ARROW));
     g_bStopScan = 0;
 }
+
+void CPreScanDlg::StopFilePreview()
+{
+    // Back to idle from a file preview: the preview button shows its play
+    // picture again and the video surface goes away.
+    m_bBusy = 0;
+    m_nState = PS_IDLE;
+    EnableItem(IDC_VIEW_MODE, TRUE);
+    m_btnPreview.SetBitmap(IDB_PREVIEW_PLAY);
+    RestoreControls();
+    UpdateTitle();
+    ShowItem(IDC_PREVIEW_VIDEO, FALSE);
+    EnableDeviceControls(m_bDeviceReady);
+    Invalidate(TRUE);
+    g_bStopScan = 0;
+}

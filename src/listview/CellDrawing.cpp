@@ -1,0 +1,158 @@
+// The scene list draws every cell itself: the row's background in the
+// selection colour, the cell's text, the mark check box in column 0 and, in
+// the thumbnail view, the scene's thumbnail scaled to 80x60 in column 1.
+#include "listview/SceneListCtrl.h"
+
+#include "ResourceIds.h"
+#include "listview/SceneListOwner.h"
+#include "platform/ResourceLib.h"
+#include "scenes/SceneStore.h"
+#include "session/Session.h"
+
+#include <vfw.h>
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+const int kThumbWidth = 80;
+const int kThumbHeight = 60;
+
+UINT TextFormat(bool bThumbnails, int nColumn)
+{
+    if (!bThumbnails) return nColumn <= 2 ? DT_CENTER | DT_VCENTER | DT_SINGLELINE : DT_VCENTER | DT_SINGLELINE;
+    if (nColumn <= 3) return DT_CENTER;
+    if (nColumn == 4) return DT_CENTER | DT_WORDBREAK;
+    return 0;
+}
+
+} // namespace
+
+bool CqvListCtrl::OnParentNotify(NMHDR* pHdr, LRESULT& result)
+{
+    if (!pHdr || pHdr->hwndFrom != m_hWnd) return false;
+    switch (pHdr->code) {
+    case NM_CUSTOMDRAW:
+        result = OnCustomDraw(reinterpret_cast<NMLVCUSTOMDRAW*>(pHdr));
+        return true;
+    case LVN_BEGINLABELEDITA:
+        result = OnBeginLabelEdit(reinterpret_cast<NMLVDISPINFOA*>(pHdr));
+        return true;
+    case LVN_ENDLABELEDITA:
+        result = OnEndLabelEdit(reinterpret_cast<NMLVDISPINFOA*>(pHdr));
+        return true;
+    default:
+        return false;
+    }
+}
+
+LRESULT CqvListCtrl::OnCustomDraw(NMLVCUSTOMDRAW* pDraw)
+{
+    switch (pDraw->nmcd.dwDrawStage) {
+    case CDDS_PREPAINT:
+    case CDDS_ITEMPREPAINT:
+        return CDRF_NOTIFYSUBITEMDRAW;
+    case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
+        DrawCell(pDraw->nmcd.hdc, static_cast<int>(pDraw->nmcd.dwItemSpec), pDraw->iSubItem);
+        return CDRF_SKIPDEFAULT;
+    default:
+        return CDRF_NOTIFYSUBITEMDRAW;
+    }
+}
+
+void CqvListCtrl::DrawCell(HDC dc, int nRow, int nColumn)
+{
+    if (m_pOwner && m_pOwner->GetState() == 0 && m_pOwner->GetSceneCount() < 1 && SceneTableSize() == 0 &&
+        g_arThumbBits.IsEmpty()) {
+        // Rows left from an earlier table: they go (once painting is over).
+        PostMessage(LVM_DELETEALLITEMS);
+        return;
+    }
+    if (g_bRebuildingList) return;
+
+    RECT rc;
+    if (!GetCellRect(nRow, nColumn, LVIR_BOUNDS, rc)) return;
+    bool selected = (SendMessage(LVM_GETITEMSTATE, static_cast<WPARAM>(nRow), LVIS_SELECTED) & LVIS_SELECTED) != 0;
+    FillRect(dc, &rc, selected ? GetSysColorBrush(COLOR_HIGHLIGHT) : static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    SetTextColor(dc, selected ? RGB(255, 255, 255) : RGB(0, 0, 0));
+    SetBkMode(dc, TRANSPARENT);
+
+    SceneRecord* scene = FetchScene(nRow);
+    if (!scene) return;
+    if (nColumn == 0) {
+        DrawMarkCell(dc, nRow, rc, *scene);
+        return;
+    }
+    char text[1024] = "";
+    LVITEMA item = {};
+    item.iSubItem = nColumn;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    SendMessage(LVM_GETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
+    RECT textRect = rc;
+    DrawTextA(dc, text, -1, &textRect, TextFormat(m_bShowThumbnails != FALSE, nColumn) | DT_NOPREFIX);
+
+    if (m_bShowThumbnails && nColumn == 1 && g_bHaveThumbnails) {
+        const ThumbHeader* header = nullptr;
+        const uint8_t* bits = nullptr;
+        if (!FetchThumbnail(nRow, header, bits)) return;
+        int cx = (rc.left + rc.right) / 2, cy = (rc.top + rc.bottom) / 2;
+        int srcHeight = header->biHeight < 0 ? -header->biHeight : header->biHeight;
+        HDRAWDIB dd = DrawDibOpen();
+        if (!dd) return;
+        // The header is used as the host delivered it; DrawDib reads no colour
+        // table beyond it for the 16- and 24-bit thumbnails scenes carry.
+        BITMAPINFOHEADER bih;
+        static_assert(sizeof bih == sizeof *header, "thumbnail header size");
+        std::memcpy(&bih, header, sizeof bih);
+        DrawDibDraw(dd, dc, cx - kThumbWidth / 2, cy - kThumbHeight / 2, kThumbWidth, kThumbHeight, &bih,
+                    const_cast<uint8_t*>(bits), 0, 0, header->biWidth, srcHeight, DDF_BACKGROUNDPAL);
+        DrawDibClose(dd);
+    }
+}
+
+void CqvListCtrl::DrawMarkCell(HDC dc, int nRow, const RECT& rc, const SceneRecord& scene)
+{
+    if (!m_bmpMarkOff) m_bmpMarkOff = LoadBitmapW(g_hModule, MAKEINTRESOURCEW(IDB_MARK_OFF));
+    if (!m_bmpMarkOn) m_bmpMarkOn = LoadBitmapW(g_hModule, MAKEINTRESOURCEW(IDB_MARK_ON));
+    if (!m_bmpMarkOff) return;
+    BITMAP bm = {};
+    GetObjectA(m_bmpMarkOff, sizeof bm, &bm);
+    int w = bm.bmWidth, h = bm.bmHeight;
+    int cx = (rc.left + rc.right) / 2, cy = (rc.top + rc.bottom) / 2;
+    RECT box = {cx - w / 2, cy - h / 2, cx - w / 2 + w, cy - h / 2 + h};
+    if (m_bMarkClickPending && ToggleMarkAt(&box, nRow)) m_bMarkClickPending = FALSE;
+
+    HBITMAP image = m_bmpMarkOff;
+    {
+        qv::SceneLockGuard lock(g_csScenes);
+        auto& record = const_cast<SceneRecord&>(scene);
+        if (record.bMarked == 1 && m_bmpMarkOn)
+            image = m_bmpMarkOn;
+        else
+            record.bMarked = 0;  // any value but 1 shows, and is, unmarked
+    }
+    HDC mem = CreateCompatibleDC(dc);
+    HGDIOBJ old = SelectObject(mem, image);
+    BitBlt(dc, box.left, box.top, w, h, mem, 0, 0, SRCCOPY);
+    SelectObject(mem, old);
+    DeleteDC(mem);
+}
+
+void CqvListCtrl::PaintEmptyList()
+{
+    PAINTSTRUCT ps;
+    HDC dc = BeginPaint(m_hWnd, &ps);
+    RECT rc;
+    GetClientRect(&rc);
+    FillRect(dc, &rc, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    HGDIOBJ oldFont = SelectObject(dc, reinterpret_cast<HFONT>(SendMessage(WM_GETFONT)));
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, RGB(0, 0, 0));
+    std::string text = qv::LoadResString(IDS_EMPTY_LIST);
+    DrawTextA(dc, text.c_str(), -1, &rc,
+              DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_WORDBREAK | DT_NOCLIP | DT_NOPREFIX);
+    SelectObject(dc, oldFont);
+    EndPaint(m_hWnd, &ps);
+}
