@@ -23,7 +23,7 @@ public:
     BOOL m_bEscape = FALSE;
 
     // The comment's room: 519 characters and the terminating zero.
-    static const int kMaxChars = 519;
+    static constexpr int kMaxChars = 519;
 
 protected:
     LRESULT WindowProc(UINT msg, WPARAM wp, LPARAM lp) override;

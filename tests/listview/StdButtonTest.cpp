@@ -1,0 +1,112 @@
+// The picture buttons: sized by their strip, the frame that shows in each
+// state, and the command posted when the mouse is released.
+#include "ResourceIds.h"
+#include "listview/StdButton.h"
+#include "support/Pump.h"
+
+#include <gtest/gtest.h>
+
+using namespace qvtest;
+
+namespace {
+
+int g_commands;
+int g_lastId;
+
+LRESULT CALLBACK ParentProc(HWND h, UINT msg, WPARAM wp, LPARAM lp)
+{
+    if (msg == WM_COMMAND) {
+        ++g_commands;
+        g_lastId = LOWORD(wp);
+        return 0;
+    }
+    if (msg == WM_DRAWITEM) {
+        auto* dis = reinterpret_cast<DRAWITEMSTRUCT*>(lp);
+        if (auto* button = static_cast<CStdButton*>(CWnd::FromHandlePermanent(dis->hwndItem))) button->DrawItem(*dis);
+        return TRUE;
+    }
+    return DefWindowProcA(h, msg, wp, lp);
+}
+
+class StdButtonTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        WNDCLASSA wc = {};
+        wc.lpfnWndProc = ParentProc;
+        wc.lpszClassName = "qvButtonTestParent";
+        RegisterClassA(&wc);
+        m_parent = CreateWindowA("qvButtonTestParent", "", WS_POPUP | WS_VISIBLE, 10, 10, 200, 100, nullptr,
+                                 nullptr, nullptr, nullptr);
+        HWND h = CreateWindowA("BUTTON", "", WS_CHILD | WS_VISIBLE | BS_OWNERDRAW, 5, 5, 40, 40, m_parent,
+                               reinterpret_cast<HMENU>(12323), nullptr, nullptr);
+        m_button.SubclassWindow(h);
+        g_commands = 0;
+    }
+    void TearDown() override { DestroyWindow(m_parent); }
+    SIZE Size()
+    {
+        RECT rc;
+        GetWindowRect(m_button.m_hWnd, &rc);
+        return {rc.right - rc.left, rc.bottom - rc.top};
+    }
+    COLORREF Corner()
+    {
+        HDC dc = GetDC(m_button.m_hWnd);
+        COLORREF c = GetPixel(dc, 1, 1);  // the bevel: light raised, dark pressed
+        ReleaseDC(m_button.m_hWnd, dc);
+        return c;
+    }
+    HWND m_parent = nullptr;
+    CStdButton m_button;
+};
+
+} // namespace
+
+TEST_F(StdButtonTest, StripSizesTheButton)
+{
+    ASSERT_TRUE(m_button.SetBitmap(IDB_CAPTURE));
+    EXPECT_EQ(Size().cx, 24);
+    EXPECT_EQ(Size().cy, 22);
+    ASSERT_TRUE(m_button.SetBitmap(IDB_PREVIEW_PLAY));
+    EXPECT_EQ(Size().cx, 32);
+    EXPECT_FALSE(m_button.SetBitmap(9999));
+    EXPECT_FALSE(m_button.HasBitmap());
+}
+
+TEST_F(StdButtonTest, PressDragAndReleasePostTheCommand)
+{
+    ASSERT_TRUE(m_button.SetBitmap(IDB_MERGE));
+    PumpPending();
+    COLORREF normal = Corner();
+    SendMessageA(m_button.m_hWnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+    COLORREF pressed = Corner();
+    EXPECT_NE(pressed, normal);
+    EXPECT_EQ(GetCapture(), m_button.m_hWnd);
+    SendMessageA(m_button.m_hWnd, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(150, 60));  // off the button
+    EXPECT_EQ(Corner(), normal);
+    SendMessageA(m_button.m_hWnd, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(6, 6));  // back on
+    EXPECT_EQ(Corner(), pressed);
+    SendMessageA(m_button.m_hWnd, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(150, 60));
+    SendMessageA(m_button.m_hWnd, WM_LBUTTONUP, 0, MAKELPARAM(150, 60));
+    EXPECT_EQ(g_commands, 0);  // posted, not sent
+    PumpPending();
+    EXPECT_EQ(g_commands, 1);  // released off the button: the command still goes
+    EXPECT_EQ(g_lastId, 12323);
+    EXPECT_NE(GetCapture(), m_button.m_hWnd);
+}
+
+TEST_F(StdButtonTest, DisabledShowsTheGreyFrame)
+{
+    ASSERT_TRUE(m_button.SetBitmap(IDB_CAPTURE));
+    PumpPending();
+    HDC dc = GetDC(m_button.m_hWnd);
+    COLORREF before = GetPixel(dc, 12, 11);
+    EnableWindow(m_button.m_hWnd, FALSE);
+    UpdateWindow(m_button.m_hWnd);
+    COLORREF after = GetPixel(dc, 12, 11);
+    ReleaseDC(m_button.m_hWnd, dc);
+    EXPECT_NE(before, after);
+    EXPECT_EQ(GetRValue(after), GetGValue(after));  // grey
+    EXPECT_EQ(GetGValue(after), GetBValue(after));
+}
