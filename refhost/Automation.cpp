@@ -1,5 +1,6 @@
 #include "Automation.h"
 
+#include <commctrl.h>
 #include <cstdio>
 #include <vector>
 
@@ -94,3 +95,64 @@ void Pump(DWORD ms)
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
     } while (GetTickCount() - start < ms);
 }
+
+namespace ui {
+
+RECT Cell(HWND list, int row, int column)
+{
+    SendMessageA(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+    RECT rc = {};
+    if (column > 0) {
+        rc.top = column;
+        rc.left = LVIR_BOUNDS;
+        SendMessageA(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&rc));
+        return rc;
+    }
+    rc.left = LVIR_BOUNDS;
+    SendMessageA(list, LVM_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&rc));
+    RECT next = {};
+    next.top = 1;
+    next.left = LVIR_BOUNDS;
+    SendMessageA(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&next));
+    rc.right = next.left;
+    return rc;
+}
+
+void ClickCell(HWND list, int row, int column, bool shift)
+{
+    RECT rc = Cell(list, row, column);
+    LPARAM at = MAKELPARAM((rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2);
+    BYTE keys[256];
+    GetKeyboardState(keys);
+    keys[VK_SHIFT] = shift ? 0x80 : 0;
+    SetKeyboardState(keys);
+    SendMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON | (shift ? MK_SHIFT : 0), at);
+    SendMessageA(list, WM_LBUTTONUP, shift ? MK_SHIFT : 0, at);
+    keys[VK_SHIFT] = 0;
+    SetKeyboardState(keys);
+    Pump(50);
+}
+
+void DoubleClickCell(HWND list, int row, int column)
+{
+    ClickCell(list, row, column);
+    RECT rc = Cell(list, row, column);
+    LPARAM at = MAKELPARAM((rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2);
+    SendMessageA(list, WM_LBUTTONDBLCLK, MK_LBUTTON, at);
+    SendMessageA(list, WM_LBUTTONUP, 0, at);
+    Pump(50);
+}
+
+void Type(HWND target, const char* text)
+{
+    for (const char* p = text; *p; ++p) SendMessageA(target, WM_CHAR, static_cast<unsigned char>(*p), 1);
+    Pump(20);
+}
+
+void Press(HWND dialog, int id)
+{
+    SendDlgItemMessageA(dialog, id, BM_CLICK, 0, 0);
+    Pump(100);
+}
+
+} // namespace ui

@@ -28,3 +28,16 @@ bool SaveWindowBitmap(HWND hWnd, const std::string& path);
 
 // Dispatches messages for `ms` milliseconds.
 void Pump(DWORD ms);
+
+// What a user does with the mouse and keys in the pre-scan dialog's scene list.
+namespace ui {
+// The list-client rectangle of a cell (column 0 ends where column 1 begins).
+RECT Cell(HWND list, int row, int column);
+// Clicks a cell's centre (with Shift held when asked).
+void ClickCell(HWND list, int row, int column, bool shift = false);
+void DoubleClickCell(HWND list, int row, int column);
+// Types text into the window that has the focus, as key presses would.
+void Type(HWND target, const char* text);
+// Presses a button of a dialog, the picture buttons included.
+void Press(HWND dialog, int id);
+}

@@ -23,6 +23,7 @@ namespace {
 struct Options {
     bool headless = false;
     std::string outDir = ".";
+    std::string shotsDir;  // also take the documentation's screenshots here
     double speed = 600;
     int quick = 0;
     int fault = -1;
@@ -88,11 +89,22 @@ Options ParseOptions(int argc, char** argv)
         auto next = [&]() -> const char* { return i + 1 < argc ? argv[++i] : ""; };
         if (a == "--headless") o.headless = true;
         else if (a == "--out") o.outDir = next();
+        else if (a == "--shots") o.shotsDir = next();
         else if (a == "--speed") o.speed = std::atof(next());
         else if (a == "--quick") o.quick = std::atoi(next());
         else if (a == "--fault") o.fault = std::atoi(next());
     }
     return o;
+}
+
+const int kTapeName = 12320, kStartScan = 12311, kCapture = 12323, kViewMode = 12322, kSceneList = 12317;
+
+void Shot(const Options& o, HWND dlg, const char* name)
+{
+    if (o.shotsDir.empty()) return;
+    Pump(200);
+    std::string path = o.shotsDir + "\\" + name + ".bmp";
+    std::printf("screenshot: %s%s\n", path.c_str(), SaveWindowBitmap(dlg, path) ? "" : " (failed)");
 }
 
 int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
@@ -104,18 +116,40 @@ int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
         std::fprintf(stderr, "the pre-scan dialog did not open\n");
         return 1;
     }
+    HWND list = GetDlgItem(dlg, kSceneList);
     Pump(300);  // the device check
-    SetDlgItemTextA(dlg, 12320, "Summer 2003");
-    SendDlgItemMessageA(dlg, 12311, BM_CLICK, 0, 0);  // Start Scan
-    Pump(100);
+    SetDlgItemTextA(dlg, kTapeName, "Summer 2003");
+    ui::Press(dlg, kStartScan);
     while (deck.Scanning() && GetTickCount() - start < 120000) Pump(50);
-    Pump(400);
+    Pump(300);
     int scenes = qvGetCurrentSceneNumber();
-    DWORD scanMs = GetTickCount() - start;
+    std::printf("scan finished: %d scenes found on the tape in %.1f s\n", scenes, (GetTickCount() - start) / 1000.0);
+
+    // Mark three scenes by their check boxes and capture them.
+    for (int row : {0, 2, 4}) ui::ClickCell(list, row, 0);
+    ui::Press(dlg, kCapture);
+    Pump(300);
+    std::printf("captured: %d files into %s\n", deck.FilesCaptured(), deck.LastCaptureFolder().c_str());
+    ui::ClickCell(list, 2, 2);
     std::string shot = o.outDir + "\\prescan.bmp";
     bool saved = SaveWindowBitmap(dlg, shot);
-    std::printf("scan finished: %d scenes found on the tape in %.1f s\n", scenes, scanMs / 1000.0);
     std::printf("screenshot: %s%s\n", shot.c_str(), saved ? "" : " (could not be written)");
+    Shot(o, dlg, "thumbnails");
+
+    if (!o.shotsDir.empty()) {
+        ui::ClickCell(list, 6, 2);
+        ui::ClickCell(list, 8, 2, true);
+        Shot(o, dlg, "range");
+        ui::DoubleClickCell(list, 7, 4);
+        ui::Type(GetFocus(), "Sunset over the bay, the boat comes in");
+        Shot(o, dlg, "editor");
+        SendMessageA(GetFocus(), WM_CHAR, VK_RETURN, 1);
+        ui::ClickCell(list, 7, 2);
+        ui::Press(dlg, kViewMode);
+        Shot(o, dlg, "compact");
+        ui::Press(dlg, kViewMode);
+    }
+
     char index[QV_MAX_PATH] = "";
     qvGetPreScanIndexFileName(index);
     std::printf("index file would be: %s\n", index);

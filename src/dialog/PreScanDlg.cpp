@@ -280,6 +280,7 @@ bool CPreScanDlg::OnCommand(UINT id, UINT code, HWND hCtl)
     }
     switch (id) {
     case IDC_CAPTURE: OnCapture(); return true;
+    case IDC_VIEW_MODE: ToggleViewMode(); return true;
     case IDC_TAPE_DESCRIPTION:
         if (code == EN_CHANGE) OnTapeDescriptionChanged();
         return true;

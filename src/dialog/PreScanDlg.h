@@ -88,6 +88,7 @@ public:
     void OnScanMethodChanged();
 
     // --- Scene commands (sceneops/) ---
+    void ToggleViewMode();
     void StopTapePreview();
     void StopFilePreview() override;
     void SetSceneComment(int nRow, const char* pszText) override;

@@ -227,11 +227,12 @@ void CqvListCtrl::DeleteAllColumns()
 
 void CqvListCtrl::InsertSceneColumns()
 {
-    // Thumbnail view 0x35, compact view 0x31.  The thumbnail view's extra
-    // bit is the list's own check-box bit; it shows nothing (every cell is
-    // drawn by the list itself) and the marks never depend on it.
+    // Full-row selection, draggable headers and grid lines; the thumbnail
+    // view adds sub-item images.  The list's own check-box style is never set:
+    // the marks are the list's own drawing, and that style would paint its
+    // check-box area over the highlight of a selected row's mark cell.
     DWORD styles = LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_GRIDLINES;
-    if (m_bShowThumbnails) styles |= LVS_EX_CHECKBOXES;
+    if (m_bShowThumbnails) styles |= LVS_EX_SUBITEMIMAGES;
     SendMessage(LVM_SETEXTENDEDLISTVIEWSTYLE, static_cast<WPARAM>(-1), styles);
 
     // Widths are measured in a fresh drawing context of the list, in its

@@ -67,7 +67,8 @@ TEST_F(DialogLifeTest, ListColumnsForTheThumbnailView)
     HWND list = Item(IDC_SCENE_LIST);
     HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
     EXPECT_EQ(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0), 6);
-    EXPECT_EQ(SendMessageA(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0), 0x35);
+    EXPECT_EQ(SendMessageA(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0),
+              LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_SUBITEMIMAGES | LVS_EX_GRIDLINES);
     char text[100] = "";
     HDITEMA item = {};
     item.mask = HDI_TEXT | HDI_FORMAT;

@@ -213,6 +213,8 @@ TEST_F(SceneListTest, SelectedRowIsHighlightedAcrossItsCells)
     ClickRow(0);
     RECT date = Cell(0, 5);
     EXPECT_EQ(PixelAt({date.right - 3, date.bottom - 3}), GetSysColor(COLOR_HIGHLIGHT));
+    RECT mark = Cell(0, 0);
+    EXPECT_EQ(PixelAt({mark.left + 2, mark.bottom - 3}), GetSysColor(COLOR_HIGHLIGHT));  // the mark cell too
     RECT other = Cell(1, 5);
     EXPECT_EQ(PixelAt({other.right - 3, other.bottom - 3}), RGB(255, 255, 255));
 }
