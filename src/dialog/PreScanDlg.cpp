@@ -279,6 +279,8 @@ bool CPreScanDlg::OnCommand(UINT id, UINT code, HWND hCtl)
         // The end of a file preview: nothing plays files in this build yet.
     }
     switch (id) {
+    case IDC_OPEN_LIST: OpenSceneList(); return true;
+    case IDC_SAVE_LIST: SaveSceneListAs(); return true;
     case IDC_CAPTURE: OnCapture(); return true;
     case IDC_VIEW_MODE: ToggleViewMode(); return true;
     case IDC_TAPE_DESCRIPTION:

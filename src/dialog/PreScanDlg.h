@@ -87,6 +87,14 @@ public:
     void OnTapeNameChanged();
     void OnScanMethodChanged();
 
+    // --- Scene list files (sceneops/) ---
+    void SaveSceneListAs();
+    void OpenSceneList();
+    int WriteSceneListFile();
+    int RunSceneListDialog(char* pszProposed);
+    void ApplyTapeName(const char* pszText);
+    void ApplyTapeDescription(const char* pszText);
+
     // --- Scene commands (sceneops/) ---
     void ToggleViewMode();
     void StopTapePreview();
@@ -160,6 +168,8 @@ private:
     void RelayToolTip(const MSG& msg);
     void FlushLateSceneMessages();
     std::string DefaultListPath() const;
+    void ReadSceneListFile();
+    void FinishOpen();
     bool ScenesPresent() const { return m_nSceneCount >= 1; }
 
     std::string m_strDefaultListName;

@@ -63,7 +63,8 @@ int CPreScanDlg::AskKeepCurrentList()
         UpdateTitle();
         return answer;
     }
-    // No: a new list.  (Saving the old one first comes with scene list files.)
+    // No: the list is saved, then a new one begins (also when the save was cancelled).
+    SaveSceneListAs();
     m_listScenes.m_nMarkedCount = 0;
     m_listScenes.DeleteAllRows();
     FreeSceneStore();
@@ -250,7 +251,7 @@ int CPreScanDlg::PromptSaveChanges(BOOL bWithCancel)
     if (!m_bModified || m_nSceneCount < 1) return IDNO;
     UINT buttons = bWithCancel ? MB_YESNOCANCEL : MB_YESNO;
     int answer = qv::MessageBoxRes(IDS_ASK_SAVE_CHANGES, buttons | MB_ICONEXCLAMATION);
-    // Yes saves the list first; saving comes with scene list files.
+    if (answer == IDYES) SaveSceneListAs();
     return answer;
 }
 

@@ -105,6 +105,11 @@ LRESULT CALLBACK ModalResponder::CbtProc(int code, WPARAM wp, LPARAM lp)
 {
     ModalResponder* self = t_active;
     if (self && code == HCBT_ACTIVATE && wp) self->OnActivate(reinterpret_cast<HWND>(wp));
+    if (self && code == HCBT_DESTROYWND && wp) {
+        // Window handles are reused: a new window may get a closed one's handle.
+        auto& handled = self->m_handled;
+        handled.erase(std::remove(handled.begin(), handled.end(), reinterpret_cast<HWND>(wp)), handled.end());
+    }
     return CallNextHookEx(self ? self->m_hook : nullptr, code, wp, lp);
 }
 
@@ -118,7 +123,11 @@ void ModalResponder::OnActivate(HWND hWnd)
     bool windowExpected = m_next < m_expected.size() && !m_expected[m_next].isMessage;
     // Only message boxes and the dialogs a test asked for are answered; the
     // module's own modeless dialog gets activated too and is left alone.
-    if (!isBox && !(windowExpected && ClassOf(hWnd) == "#32770")) return;
+    // A modal window disables its owner; the module's modeless dialog, which
+    // is reactivated whenever a modal one closes, does not.
+    HWND owner = GetWindow(hWnd, GW_OWNER);
+    bool modal = owner && !IsWindowEnabled(owner);
+    if (!isBox && !(windowExpected && modal && ClassOf(hWnd) == "#32770")) return;
     if (m_answerTimer) return;  // one window at a time; a nested one is seen when it activates again
     m_handled.push_back(hWnd);
     m_answerWnd = hWnd;
