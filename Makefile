@@ -6,6 +6,7 @@
 #   make build   build/bin/: qvPreScan.dll, qvCaptureRC.dll, qvrefhost.exe
 #   make run     the reference host with a real display
 #   make shots   screenshots into docs/
+#   make fuzz    the scene list reader under libFuzzer (FUZZ_SECONDS, default 300)
 
 BUILD   := build
 WIN     := $(BUILD)/win
@@ -13,7 +14,9 @@ NATIVE  := $(BUILD)/native
 BIN     := $(abspath $(BUILD)/bin)
 JOBS    ?= $(shell nproc)
 
-.PHONY: all deps build build-win build-native test test-native test-win demo run shots clean
+FUZZ_SECONDS ?= 300
+
+.PHONY: all deps build build-win build-native test test-native test-win demo run shots fuzz clean
 
 all: build
 
@@ -32,6 +35,7 @@ build-win: deps $(WIN)/build.ninja
 
 build-native: deps $(NATIVE)/build.ninja
 	cmake --build $(NATIVE) -j $(JOBS)
+	@mkdir -p $(BIN) && cp $(NATIVE)/qvpsf $(BIN)/qvpsf
 
 build: build-win build-native
 
@@ -43,7 +47,7 @@ test-win: build-win
 
 test: test-native test-win
 
-demo: build-win
+demo: build
 	scripts/with-display.sh scripts/demo.sh
 
 run: build-win
@@ -51,6 +55,9 @@ run: build-win
 
 shots: build-win
 	scripts/with-display.sh scripts/shots.sh
+
+fuzz:
+	FUZZ_SECONDS=$(FUZZ_SECONDS) scripts/fuzz.sh
 
 clean:
 	rm -rf $(BUILD)

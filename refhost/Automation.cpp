@@ -7,6 +7,7 @@
 HHOOK MessageBoxAnswerer::s_hook;
 int MessageBoxAnswerer::s_button;
 HWND MessageBoxAnswerer::s_pending;
+std::string MessageBoxAnswerer::s_file;
 
 MessageBoxAnswerer::MessageBoxAnswerer(int button)
 {
@@ -26,7 +27,8 @@ LRESULT CALLBACK MessageBoxAnswerer::CbtProc(int code, WPARAM wp, LPARAM lp)
         HWND h = reinterpret_cast<HWND>(wp);
         char cls[16] = "";
         GetClassNameA(h, cls, sizeof cls);
-        if (std::string(cls) == "#32770" && GetDlgItem(h, 0xFFFF) && !s_pending) {
+        bool fileDialog = !s_file.empty() && (GetDlgItem(h, 1148) || GetDlgItem(h, 1152));
+        if (std::string(cls) == "#32770" && (GetDlgItem(h, 0xFFFF) || fileDialog) && !s_pending) {
             s_pending = h;
             SetTimer(nullptr, 0, 50, &MessageBoxAnswerer::AnswerLater);
         }
@@ -40,6 +42,16 @@ VOID CALLBACK MessageBoxAnswerer::AnswerLater(HWND, UINT, UINT_PTR id, DWORD)
     HWND box = s_pending;
     s_pending = nullptr;
     if (!IsWindow(box)) return;
+    if (!GetDlgItem(box, 0xFFFF)) {  // a file dialog: type the name, press OK
+        HWND name = GetDlgItem(box, 1152) ? GetDlgItem(box, 1152) : GetDlgItem(box, 1148);
+        SetWindowTextA(name, s_file.c_str());
+        char title[128] = "";
+        GetWindowTextA(box, title, sizeof title);
+        std::printf("%s: %s\n", title, s_file.c_str());
+        s_file.clear();
+        PostMessageA(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(box, IDOK)));
+        return;
+    }
     char text[1024] = "";
     GetWindowTextA(GetDlgItem(box, 0xFFFF), text, sizeof text);
     std::printf("message: %s\n  answered: %s\n", text, s_button == IDYES ? "Yes" : s_button == IDNO ? "No" : "OK");

@@ -14,6 +14,8 @@ public:
     explicit MessageBoxAnswerer(int button);
     ~MessageBoxAnswerer();
     void SetButton(int button) { s_button = button; }
+    // The next file dialog gets this name typed in and OK pressed.
+    void ChooseFile(const std::string& path) { s_file = path; }
 
 private:
     static LRESULT CALLBACK CbtProc(int code, WPARAM wp, LPARAM lp);
@@ -21,6 +23,7 @@ private:
     static HHOOK s_hook;
     static int s_button;
     static HWND s_pending;
+    static std::string s_file;
 };
 
 // Saves what the screen shows of a window as a 24-bit BMP file.

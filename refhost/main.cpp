@@ -98,7 +98,8 @@ Options ParseOptions(int argc, char** argv)
     return o;
 }
 
-const int kTapeName = 12320, kStartScan = 12311, kCapture = 12323, kViewMode = 12322, kSceneList = 12317;
+const int kTapeName = 12320, kStartScan = 12311, kCapture = 12323, kViewMode = 12322, kSceneList = 12317,
+          kOpenList = 12318, kSaveList = 12319;
 
 void Shot(const Options& o, HWND dlg, const char* name)
 {
@@ -165,6 +166,16 @@ int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
         Shot(o, dlg, "compact");
         ui::Press(dlg, kViewMode);
     }
+
+    // Save the list through the save dialog, then open it again through the open dialog.
+    std::string listFile = o.outDir + "\\summer.psf";
+    answerer.ChooseFile(listFile);
+    ui::Press(dlg, kSaveList);
+    Pump(300);
+    answerer.ChooseFile(listFile);
+    ui::Press(dlg, kOpenList);
+    Pump(300);
+    std::printf("reopened: %d scenes from %s\n", qvGetCurrentSceneNumber(), listFile.c_str());
 
     char index[QV_MAX_PATH] = "";
     qvGetPreScanIndexFileName(index);

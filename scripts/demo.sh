@@ -18,6 +18,11 @@ end=$(date +%s.%N)
 if [ -f "$demo/prescan.bmp" ]; then
     /usr/bin/convert "$demo/prescan.bmp" "$demo/prescan.png" && rm -f "$demo/prescan.bmp"
 fi
+if [ -f "$demo/summer.psf" ]; then
+    echo "the saved scene list, as qvpsf shows it:"
+    "$QV_BIN/qvpsf" show "$demo/summer.psf" --tv 2 | head -12
+    echo "  ..."
+fi
 echo "settings written by the module:"
 sed 's/^/  /' "$demo/appdata/qvPreScan.ini" | tr -d '\r'
 awk -v s="$start" -v e="$end" -v d="$demo" 'BEGIN { printf "demo finished in %.1f s; results in %s\n", e - s, d }'

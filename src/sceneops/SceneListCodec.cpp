@@ -46,7 +46,7 @@ bool ReadSceneListHeader(File& file, SceneListInfo& info)
     return true;
 }
 
-ReadResult ReadSceneList(File& file, int nTvStandard, SceneListSink& sink)
+ReadResult ReadSceneList(File& file, int nTvStandard, SceneListSink& sink, Marks marks)
 {
     ReadResult result;
     // The header is read into a zeroed buffer: a short file leaves the rest
@@ -84,7 +84,7 @@ ReadResult ReadSceneList(File& file, int nTvStandard, SceneListSink& sink)
         }
         TerminateTexts(*record);
         record->bMerged = 0;
-        record->bMarked = 0;
+        if (marks == Marks::Clear) record->bMarked = 0;
         if (h.nVersion < 3) record->dwPositionIn = record->dwPositionOut = QV_NO_POSITION;
         if (convert) {
             record->dwTimeCodeIn = FramesToTimeCode(static_cast<int32_t>(record->dwTimeCodeIn), nTvStandard);

@@ -41,8 +41,10 @@ struct ReadResult {
 
 // Reads a whole file.  Versions 0 and 1 hold frame counts, turned into
 // packed time codes with the TV standard given; versions below 3 have no
-// device positions.  Marks and merges are never read back.
-ReadResult ReadSceneList(File& file, int nTvStandard, SceneListSink& sink);
+// device positions.  An opened list starts unmarked and unmerged; a viewer
+// of the file may keep the marks as they were saved.
+enum class Marks { Clear, Keep };
+ReadResult ReadSceneList(File& file, int nTvStandard, SceneListSink& sink, Marks marks = Marks::Clear);
 
 // Reads the header alone (the file dialog's preview).  False when fewer than
 // 1314 bytes arrive or the header's size field is not 1314.
