@@ -1,6 +1,7 @@
 #include "Automation.h"
 
 #include <commctrl.h>
+#include <commdlg.h>
 #include <cstdio>
 #include <vector>
 
@@ -8,6 +9,7 @@ HHOOK MessageBoxAnswerer::s_hook;
 int MessageBoxAnswerer::s_button;
 HWND MessageBoxAnswerer::s_pending;
 std::string MessageBoxAnswerer::s_file;
+std::string MessageBoxAnswerer::s_shot;
 
 MessageBoxAnswerer::MessageBoxAnswerer(int button)
 {
@@ -45,6 +47,20 @@ VOID CALLBACK MessageBoxAnswerer::AnswerLater(HWND, UINT, UINT_PTR id, DWORD)
     if (!GetDlgItem(box, 0xFFFF)) {  // a file dialog: type the name, press OK
         HWND name = GetDlgItem(box, 1152) ? GetDlgItem(box, 1152) : GetDlgItem(box, 1148);
         SetWindowTextA(name, s_file.c_str());
+        if (!s_shot.empty()) {
+            // Show the tape preview of the chosen file as a selection would, then take the picture.
+            for (HWND area = GetWindow(box, GW_CHILD); area; area = GetWindow(area, GW_HWNDNEXT)) {
+                if (!GetDlgItem(area, 12345)) continue;
+                OFNOTIFYA note = {};
+                note.hdr.hwndFrom = box;
+                note.hdr.code = CDN_SELCHANGE;
+                SendMessageA(area, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&note));
+            }
+            RedrawWindow(box, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+            std::printf("screenshot: %s\n", s_shot.c_str());
+            SaveWindowBitmap(box, s_shot);
+            s_shot.clear();
+        }
         char title[128] = "";
         GetWindowTextA(box, title, sizeof title);
         std::printf("%s: %s\n", title, s_file.c_str());

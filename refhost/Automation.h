@@ -15,7 +15,11 @@ public:
     ~MessageBoxAnswerer();
     void SetButton(int button) { s_button = button; }
     // The next file dialog gets this name typed in and OK pressed.
-    void ChooseFile(const std::string& path) { s_file = path; }
+    void ChooseFile(const std::string& path, const std::string& shot = "")
+    {
+        s_file = path;
+        s_shot = shot;
+    }
 
 private:
     static LRESULT CALLBACK CbtProc(int code, WPARAM wp, LPARAM lp);
@@ -24,6 +28,7 @@ private:
     static int s_button;
     static HWND s_pending;
     static std::string s_file;
+    static std::string s_shot;  // a screenshot of the file dialog, its preview shown
 };
 
 // Saves what the screen shows of a window as a 24-bit BMP file.

@@ -172,7 +172,7 @@ int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
     answerer.ChooseFile(listFile);
     ui::Press(dlg, kSaveList);
     Pump(300);
-    answerer.ChooseFile(listFile);
+    answerer.ChooseFile(listFile, o.shotsDir.empty() ? "" : o.shotsDir + "\\open.bmp");
     ui::Press(dlg, kOpenList);
     Pump(300);
     std::printf("reopened: %d scenes from %s\n", qvGetCurrentSceneNumber(), listFile.c_str());

@@ -84,14 +84,9 @@ void CqvListCtrl::DrawCell(HDC dc, int nRow, int nColumn)
         DrawMarkCell(dc, nRow, rc, *scene);
         return;
     }
-    char text[1024] = "";
-    LVITEMA item = {};
-    item.iSubItem = nColumn;
-    item.pszText = text;
-    item.cchTextMax = sizeof text;
-    SendMessage(LVM_GETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
+    std::string text = GetCellText(nRow, nColumn);
     RECT textRect = rc;
-    DrawTextA(dc, text, -1, &textRect, TextFormat(m_bShowThumbnails != FALSE, nColumn) | DT_NOPREFIX);
+    DrawTextA(dc, text.c_str(), -1, &textRect, TextFormat(m_bShowThumbnails != FALSE, nColumn) | DT_NOPREFIX);
 
     if (m_bShowThumbnails && nColumn == 1 && g_bHaveThumbnails) {
         const ThumbHeader* header = nullptr;

@@ -6,6 +6,7 @@
 #include "ResourceIds.h"
 #include "listview/CommentEdit.h"
 #include "listview/SceneListOwner.h"
+#include "platform/BoundedCopy.h"
 
 #include <windowsx.h>
 
@@ -79,12 +80,9 @@ void CqvListCtrl::OnLButtonDblClk(UINT flags, POINT pt)
     if (DialogState() != STATE_IDLE) return;
     int row, column;
     if (HitTest(pt, row, column) && column == kCommentColumn) {
-        char text[1024] = "";
-        LVITEMA item = {};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        SendMessage(LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        std::string cellText = GetCellText(row, column);
+        char text[1024];
+        qv::CopyBounded(text, cellText.c_str());
         NMLVDISPINFOA info = {};
         info.hdr.hwndFrom = m_hWnd;
         info.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID());

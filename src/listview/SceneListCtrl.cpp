@@ -71,6 +71,17 @@ int CqvListCtrl::GetColumnCount() const
     return header ? static_cast<int>(::SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
 }
 
+std::string CqvListCtrl::GetCellText(int nRow, int nColumn) const
+{
+    char text[1024] = "";
+    LVITEMA item = {};
+    item.iSubItem = nColumn;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    SendMessage(LVM_GETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
 void CqvListCtrl::DeleteRow(int nRow)
 {
     SendMessage(LVM_DELETEITEM, static_cast<WPARAM>(nRow));

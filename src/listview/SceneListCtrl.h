@@ -8,6 +8,8 @@
 
 #include <commctrl.h>
 
+#include <string>
+
 struct SceneRecord;
 
 class CInCommentEdit;
@@ -30,6 +32,7 @@ public:
     void UpdateOutTimes(int nFirstRow);
     void RefreshCommentAndFiles(int nRow, int nScene, BOOL bComment, BOOL bFiles);
     int GetRowCount() const;
+    std::string GetCellText(int nRow, int nColumn) const;
     void DeleteRow(int nRow);
     void DeleteAllRows();
 

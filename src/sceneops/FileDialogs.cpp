@@ -11,6 +11,7 @@
 #include "platform/SupportLib.h"
 #include "sceneops/SceneListCodec.h"
 #include "sceneops/SceneListFile.h"
+#include "session/NameRules.h"
 #include "session/Session.h"
 #include "session/Settings.h"
 
@@ -42,11 +43,17 @@ void SetExtraFields(HWND hook, const char* name, const char* description)
 void PreviewSelectedFile(HWND hook)
 {
     HWND fileDialog = GetParent(hook);
+    // The name box as it reads (the selected file's name); a name without a
+    // folder is taken in the folder the dialog shows.
+    char name[QV_MAX_PATH] = "";
+    if (!GetDlgItemTextA(fileDialog, 1152, name, sizeof name)) GetDlgItemTextA(fileDialog, 1148, name, sizeof name);
     char path[QV_MAX_PATH] = "";
-    // The full path of the selection; the name box text when there is none.
-    if (SendMessageA(fileDialog, CDM_GETFILEPATH, sizeof path, reinterpret_cast<LPARAM>(path)) <= 0) {
-        if (!GetDlgItemTextA(fileDialog, 1152, path, sizeof path)) GetDlgItemTextA(fileDialog, 1148, path, sizeof path);
-    }
+    bool absolute = std::strchr(name, ':') || name[0] == '\\';
+    char folder[QV_MAX_PATH] = "";
+    if (!absolute && SendMessageA(fileDialog, CDM_GETFOLDERPATH, sizeof folder, reinterpret_cast<LPARAM>(folder)) > 0)
+        qv::JoinFolderAndName(path, sizeof path, folder, name);
+    else
+        qv::CopyBounded(path, name);
     path[sizeof path - 1] = 0;
     if (std::strcmp(FileNamePart(path), kAllListFiles) == 0 || !path[0]) return;
 

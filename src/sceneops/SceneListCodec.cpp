@@ -29,6 +29,18 @@ void TerminateTexts(SceneRecord& r)
     r.szCaptureFile[sizeof r.szCaptureFile - 1] = 0;
 }
 
+SceneListInfo InfoOf(const SceneListHeader& h)
+{
+    SceneListInfo info;
+    info.tapeName = FieldText(h.szTapeName, sizeof h.szTapeName);
+    info.tapeDescription = FieldText(h.szTapeDescription, sizeof h.szTapeDescription);
+    info.captureFolder = FieldText(h.szCaptureFolder, sizeof h.szCaptureFolder);
+    info.productionLibFolder = FieldText(h.szProductionLibFolder, sizeof h.szProductionLibFolder);
+    info.nVersion = h.nVersion;
+    info.nDeclaredScenes = h.nSceneCount < 0 ? 0 : h.nSceneCount;
+    return info;
+}
+
 } // namespace
 
 bool ReadSceneListHeader(File& file, SceneListInfo& info)
@@ -37,12 +49,7 @@ bool ReadSceneListHeader(File& file, SceneListInfo& info)
     std::memset(&h, 0, sizeof h);
     uint32_t got = 0;
     if (!file.Read(&h, sizeof h, got) || got != sizeof h || h.wHeaderSize != kSceneListHeaderSize) return false;
-    info.tapeName = FieldText(h.szTapeName, sizeof h.szTapeName);
-    info.tapeDescription = FieldText(h.szTapeDescription, sizeof h.szTapeDescription);
-    info.captureFolder = FieldText(h.szCaptureFolder, sizeof h.szCaptureFolder);
-    info.productionLibFolder = FieldText(h.szProductionLibFolder, sizeof h.szProductionLibFolder);
-    info.nVersion = h.nVersion;
-    info.nDeclaredScenes = h.nSceneCount < 0 ? 0 : h.nSceneCount;
+    info = InfoOf(h);
     return true;
 }
 
@@ -56,13 +63,7 @@ ReadResult ReadSceneList(File& file, int nTvStandard, SceneListSink& sink, Marks
     uint32_t got = 0;
     if (!file.Read(&h, sizeof h, got)) return result;
 
-    SceneListInfo info;
-    info.tapeName = FieldText(h.szTapeName, sizeof h.szTapeName);
-    info.tapeDescription = FieldText(h.szTapeDescription, sizeof h.szTapeDescription);
-    info.captureFolder = FieldText(h.szCaptureFolder, sizeof h.szCaptureFolder);
-    info.productionLibFolder = FieldText(h.szProductionLibFolder, sizeof h.szProductionLibFolder);
-    info.nVersion = h.nVersion;
-    info.nDeclaredScenes = h.nSceneCount < 0 ? 0 : h.nSceneCount;
+    SceneListInfo info = InfoOf(h);
     sink.OnHeader(info);
 
     const bool convert = h.nVersion <= 1;

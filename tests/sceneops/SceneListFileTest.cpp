@@ -9,6 +9,7 @@
 #include "support/DialogFixture.h"
 #include "support/TestEnvironment.h"
 
+#include <commdlg.h>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -235,4 +236,61 @@ TEST_F(SceneListFileTest, FailedSaveLeavesThePreviousFile)
     HANDLE search = FindFirstFileA((m_dir + "\\*.tmp").c_str(), &found);
     EXPECT_EQ(search, INVALID_HANDLE_VALUE);  // no temporary file left behind
     if (search != INVALID_HANDLE_VALUE) FindClose(search);
+}
+
+namespace {
+
+// The extra area of a file dialog: the child dialog that holds the tape fields.
+HWND ExtraArea(HWND fileDialog)
+{
+    for (HWND c = GetWindow(fileDialog, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
+        if (GetDlgItem(c, IDC_PSF_TAPE_NAME)) return c;
+    return nullptr;
+}
+
+std::string ItemText(HWND dlg, int id)
+{
+    char text[600] = "";
+    GetDlgItemTextA(dlg, id, text, sizeof text);
+    return text;
+}
+
+} // namespace
+
+TEST_F(SceneListFileTest, OpenDialogPreviewsTheSelectedTape)
+{
+    ScanScenes(1);
+    for (char c : std::string("Lake and boats")) SendMessageA(Item(IDC_TAPE_DESCRIPTION), WM_CHAR, c, 1);
+    Save(m_dir + "\\lake.psf");
+    std::string other = m_dir + "\\notes.txt";
+    std::ofstream(other) << "not a scene list";
+    Dlg().m_bModified = 0;
+    std::string previewName, previewDescription, afterOther;
+    bool readOnly = false;
+    ModalResponder responder;
+    responder.ExpectWindow("open dialog", [&](HWND dialog) {
+        HWND area = ExtraArea(dialog);
+        if (!area) return false;
+        readOnly = (GetWindowLongA(GetDlgItem(area, IDC_PSF_TAPE_NAME), GWL_STYLE) & ES_READONLY) != 0;
+        HWND box = GetDlgItem(dialog, 1152) ? GetDlgItem(dialog, 1152) : GetDlgItem(dialog, 1148);
+        OFNOTIFYA note = {};
+        note.hdr.hwndFrom = dialog;
+        note.hdr.code = CDN_SELCHANGE;
+        SetWindowTextA(box, (m_dir + "\\lake.psf").c_str());
+        SendMessageA(area, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&note));
+        previewName = ItemText(area, IDC_PSF_TAPE_NAME);
+        previewDescription = ItemText(area, IDC_PSF_TAPE_DESCRIPTION);
+        SetWindowTextA(box, other.c_str());  // another extension empties the fields
+        SendMessageA(area, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&note));
+        afterOther = ItemText(area, IDC_PSF_TAPE_NAME);
+        PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+        return true;
+    });
+    Click(IDC_OPEN_LIST);
+    responder.Verify();
+    EXPECT_TRUE(readOnly);
+    EXPECT_EQ(previewName, "Holiday");
+    EXPECT_EQ(previewDescription, "Lake and boats");
+    EXPECT_EQ(afterOther, "");
+    EXPECT_EQ(qvGetCurrentSceneNumber(), 1);  // cancelled: nothing opened
 }
