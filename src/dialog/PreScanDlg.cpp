@@ -293,6 +293,11 @@ bool CPreScanDlg::OnCommand(UINT id, UINT code, HWND hCtl)
         if (code == CBN_SELCHANGE) OnScanMethodChanged();
         return true;
     case IDC_START_SCAN: OnStartScan(); return true;
+    case IDC_MARK_ALL: OnMarkAll(); return true;
+    case IDC_DELETE_SCENES: OnDeleteScenes(); return true;
+    case IDC_CLEAR_ALL: OnClearAll(); return true;
+    case IDC_MERGE_SCENES: MergeScenes(); return true;
+    case IDC_SPLIT_SCENE: SplitScene(); return true;
     case IDC_GOTO: OnGoToMenu(); return true;
     case ID_GOTO_SCENE_START:
     case ID_GOTO_SCENE_END: OnGoToScene(id); return true;

@@ -20,6 +20,10 @@
 
 class CScanOption;
 
+// The merge group that stands for a merged scene (matched by the group's
+// first record's number and start), or -1.
+int FindMergeGroup(const SceneRecord* pRecord);
+
 // The dialog's operation state.
 enum PreScanState {
     PS_IDLE = 0,
@@ -86,6 +90,9 @@ public:
     void OnTapeDescriptionChanged();
     void OnTapeNameChanged();
     void OnScanMethodChanged();
+    void OnMarkAll();
+    void OnDeleteScenes();
+    void OnClearAll();
 
     // --- Scene list files (sceneops/) ---
     void SaveSceneListAs();
@@ -97,6 +104,8 @@ public:
 
     // --- Scene commands (sceneops/) ---
     void ToggleViewMode();
+    void MergeScenes();
+    void SplitScene();
     void StopTapePreview();
     void StopFilePreview() override;
     void SetSceneComment(int nRow, const char* pszText) override;
