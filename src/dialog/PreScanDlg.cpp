@@ -5,6 +5,9 @@
 
 #include "ResourceIds.h"
 #include "listview/CommentEdit.h"
+#include "options/ScanOption.h"
+
+#include <new>
 #include "platform/BoundedCopy.h"
 #include "platform/ResourceLib.h"
 #include "platform/SupportLib.h"
@@ -135,7 +138,7 @@ BOOL CPreScanDlg::OnInitDialog()
     m_listScenes.InsertSceneColumns();
     m_listScenes.RedrawAllRows();
 
-    m_pScanOptionDlg = nullptr;  // the scan options dialog is not part of this build yet
+    m_pScanOptionDlg = new (std::nothrow) CScanOption(m_hWnd);
     m_menuPopup = LoadMenuA(g_hResInst, MAKEINTRESOURCEA(IDR_PRESCAN_POPUP));
     CreateToolTips();
 
@@ -168,6 +171,7 @@ void CPreScanDlg::CreateToolTips()
 
 BOOL CPreScanDlg::DestroyWindow()
 {
+    delete m_pScanOptionDlg;
     m_pScanOptionDlg = nullptr;
     m_strTapeDescription.clear();
     m_strTapeName.clear();
@@ -293,6 +297,9 @@ bool CPreScanDlg::OnCommand(UINT id, UINT code, HWND hCtl)
         if (code == CBN_SELCHANGE) OnScanMethodChanged();
         return true;
     case IDC_START_SCAN: OnStartScan(); return true;
+    case IDC_SCAN_OPTIONS:
+        if (m_pScanOptionDlg) m_pScanOptionDlg->DoModal();
+        return true;
     case IDC_MARK_ALL: OnMarkAll(); return true;
     case IDC_DELETE_SCENES: OnDeleteScenes(); return true;
     case IDC_CLEAR_ALL: OnClearAll(); return true;
