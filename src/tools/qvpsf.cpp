@@ -50,6 +50,22 @@ std::string OneLine(std::string text)
     return text;
 }
 
+// One scene's fields, as both outputs show them.
+struct SceneLine {
+    qv::RowTexts texts;
+    std::string duration;
+};
+
+SceneLine LineOf(SceneRecord& r, int tv, const qv::RowTextSources& src)
+{
+    SceneLine line;
+    line.texts = qv::MakeRowTexts(r, false, src);
+    char duration[qv::TIME_TEXT_SIZE];
+    qv::FormatDuration(r.dwTimeCodeIn, r.dwTimeCodeOut, tv, duration, sizeof duration);
+    line.duration = duration;
+    return line;
+}
+
 int Usage()
 {
     std::fprintf(stderr, "usage: qvpsf show|csv FILE [--tv 0|1|2]\n");
@@ -95,20 +111,18 @@ int main(int argc, char** argv)
                     scenes.records.size());
         for (size_t i = 0; i < scenes.records.size(); ++i) {
             SceneRecord& r = scenes.records[i];
-            qv::RowTexts t = qv::MakeRowTexts(r, false, src);
-            char duration[qv::TIME_TEXT_SIZE];
-            qv::FormatDuration(r.dwTimeCodeIn, r.dwTimeCodeOut, tv, duration, sizeof duration);
-            std::printf("%4zu  %s  %s  %s  %s  %s  %s  %s\n", i + 1, t.in.c_str(), t.out.c_str(), duration,
+            SceneLine line = LineOf(r, tv, src);
+            const qv::RowTexts& t = line.texts;
+            std::printf("%4zu  %s  %s  %s  %s  %s  %s  %s\n", i + 1, t.in.c_str(), t.out.c_str(), line.duration.c_str(),
                         t.date.c_str(), r.bMarked ? "marked" : "-", OneLine(t.comment).c_str(), OneLine(t.files).c_str());
         }
     } else {
         std::printf("scene,in,out,duration,recorded,marked,comment,captured file,scene file\r\n");
         for (size_t i = 0; i < scenes.records.size(); ++i) {
             SceneRecord& r = scenes.records[i];
-            qv::RowTexts t = qv::MakeRowTexts(r, false, src);
-            char duration[qv::TIME_TEXT_SIZE];
-            qv::FormatDuration(r.dwTimeCodeIn, r.dwTimeCodeOut, tv, duration, sizeof duration);
-            std::printf("%zu,%s,%s,%s,%s,%d,%s,%s,%s\r\n", i + 1, t.in.c_str(), t.out.c_str(), duration,
+            SceneLine line = LineOf(r, tv, src);
+            const qv::RowTexts& t = line.texts;
+            std::printf("%zu,%s,%s,%s,%s,%d,%s,%s,%s\r\n", i + 1, t.in.c_str(), t.out.c_str(), line.duration.c_str(),
                         Csv(t.date).c_str(), r.bMarked ? 1 : 0, Csv(t.comment).c_str(), Csv(r.szCaptureFile).c_str(),
                         Csv(r.szSceneFile).c_str());
         }
