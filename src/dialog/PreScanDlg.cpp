@@ -279,13 +279,15 @@ bool CPreScanDlg::OnSysCommand(UINT nCmd, LPARAM)
 
 bool CPreScanDlg::OnCommand(UINT id, UINT code, HWND hCtl)
 {
-    if (id == kVideoNotifyId && (code == QV_VIDEO_NOTIFY_STOPPED || code == QV_VIDEO_NOTIFY_ENDED)) {
-        // The end of a file preview: nothing plays files in this build yet.
-    }
+    // The video library's end of playback ends the file preview.
+    if (id == kVideoNotifyId && (code == QV_VIDEO_NOTIFY_STOPPED || code == QV_VIDEO_NOTIFY_ENDED) &&
+        m_nState == PS_FILE_PREVIEW)
+        StopFilePreview();
     switch (id) {
     case IDC_OPEN_LIST: OpenSceneList(); return true;
     case IDC_SAVE_LIST: SaveSceneListAs(); return true;
     case IDC_CAPTURE: OnCapture(); return true;
+    case IDC_PREVIEW: PreviewScene(); return true;
     case IDC_VIEW_MODE: ToggleViewMode(); return true;
     case IDC_TAPE_DESCRIPTION:
         if (code == EN_CHANGE) OnTapeDescriptionChanged();

@@ -106,6 +106,9 @@ public:
     void ToggleViewMode();
     void MergeScenes();
     void SplitScene();
+    void PreviewScene();
+    void PlayCapturedFile(int nRow);
+    void PlayTapeSpan(const SceneSpan* pSpan);
     void StopTapePreview();
     void StopFilePreview() override;
     void SetSceneComment(int nRow, const char* pszText) override;

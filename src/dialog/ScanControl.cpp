@@ -122,6 +122,7 @@ void CPreScanDlg::StopCurrentOperation()
     case PS_TAPE_PREVIEW: StopTapePreview(); break;
     case PS_SEEKING: EndSeek(); break;
     case PS_SCAN_CAPTURE: EndOperation(); break;
+    case PS_FILE_PREVIEW: StopFilePreview(); break;
     default: break;  // idle, and a capture the host still holds: nothing to stop
     }
     ShowCursor(IDC_ARROW);
