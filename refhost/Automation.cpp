@@ -10,6 +10,7 @@ int MessageBoxAnswerer::s_button;
 HWND MessageBoxAnswerer::s_pending;
 std::string MessageBoxAnswerer::s_file;
 std::string MessageBoxAnswerer::s_shot;
+std::string MessageBoxAnswerer::s_dialogShot;
 
 MessageBoxAnswerer::MessageBoxAnswerer(int button)
 {
@@ -30,7 +31,9 @@ LRESULT CALLBACK MessageBoxAnswerer::CbtProc(int code, WPARAM wp, LPARAM lp)
         char cls[16] = "";
         GetClassNameA(h, cls, sizeof cls);
         bool fileDialog = !s_file.empty() && (GetDlgItem(h, 1148) || GetDlgItem(h, 1152));
-        if (std::string(cls) == "#32770" && (GetDlgItem(h, 0xFFFF) || fileDialog) && !s_pending) {
+        HWND owner = GetWindow(h, GW_OWNER);
+        bool otherModal = !s_dialogShot.empty() && owner && !IsWindowEnabled(owner);
+        if (std::string(cls) == "#32770" && (GetDlgItem(h, 0xFFFF) || fileDialog || otherModal) && !s_pending) {
             s_pending = h;
             SetTimer(nullptr, 0, 50, &MessageBoxAnswerer::AnswerLater);
         }
@@ -44,6 +47,14 @@ VOID CALLBACK MessageBoxAnswerer::AnswerLater(HWND, UINT, UINT_PTR id, DWORD)
     HWND box = s_pending;
     s_pending = nullptr;
     if (!IsWindow(box)) return;
+    if (!GetDlgItem(box, 0xFFFF) && !GetDlgItem(box, 1148) && !GetDlgItem(box, 1152)) {
+        RedrawWindow(box, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        std::printf("screenshot: %s\n", s_dialogShot.c_str());
+        SaveWindowBitmap(box, s_dialogShot);
+        s_dialogShot.clear();
+        PostMessageA(box, WM_COMMAND, IDCANCEL, 0);
+        return;
+    }
     if (!GetDlgItem(box, 0xFFFF)) {  // a file dialog: type the name, press OK
         HWND name = GetDlgItem(box, 1152) ? GetDlgItem(box, 1152) : GetDlgItem(box, 1148);
         SetWindowTextA(name, s_file.c_str());

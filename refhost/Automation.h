@@ -29,6 +29,12 @@ private:
     static HWND s_pending;
     static std::string s_file;
     static std::string s_shot;  // a screenshot of the file dialog, its preview shown
+public:
+    // The next other dialog (the scan options) is photographed, then cancelled.
+    void PhotographNextDialog(const std::string& path) { s_dialogShot = path; }
+
+private:
+    static std::string s_dialogShot;
 };
 
 // Saves what the screen shows of a window as a 24-bit BMP file.

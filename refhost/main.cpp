@@ -99,7 +99,7 @@ Options ParseOptions(int argc, char** argv)
 }
 
 const int kTapeName = 12320, kStartScan = 12311, kCapture = 12323, kViewMode = 12322, kSceneList = 12317,
-          kOpenList = 12318, kSaveList = 12319;
+          kOpenList = 12318, kSaveList = 12319, kPreview = 12324, kMerge = 12315, kOptions = 12316;
 
 void Shot(const Options& o, HWND dlg, const char* name)
 {
@@ -165,6 +165,21 @@ int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
         ui::Press(dlg, kViewMode);
         Shot(o, dlg, "compact");
         ui::Press(dlg, kViewMode);
+        // A captured scene plays over its thumbnail.
+        ui::ClickCell(list, 0, 2);
+        ui::Press(dlg, kPreview);
+        Pump(400);
+        Shot(o, dlg, "preview");
+        ui::Press(dlg, kPreview);
+        // Scenes 10 to 12 merged: the split button offers itself.
+        ui::ClickCell(list, 9, 2);
+        ui::ClickCell(list, 11, 2, true);
+        ui::Press(dlg, kMerge);
+        ui::ClickCell(list, 9, 2);
+        Shot(o, dlg, "merged");
+        answerer.PhotographNextDialog(o.shotsDir + "\\options.bmp");
+        ui::Press(dlg, kOptions);
+        Pump(200);
     }
 
     // Save the list through the save dialog, then open it again through the open dialog.

@@ -65,7 +65,8 @@ void CPreScanDlg::PlayCapturedFile(int nRow)
         SetRect(&v, cx - kVideoWidth / 2, cy - kVideoHeight / 2, cx + kVideoWidth / 2, cy + kVideoHeight / 2);
         OffsetRect(&v, 2, 2);
         MapWindowPoints(nullptr, m_hWnd, reinterpret_cast<POINT*>(&v), 2);
-        ::MoveWindow(video, v.left, v.top, kVideoWidth, kVideoHeight, TRUE);
+        // Above the list, which the template places over it.
+        SetWindowPos(video, HWND_TOP, v.left, v.top, kVideoWidth, kVideoHeight, SWP_NOACTIVATE);
         if (qVideoPlayBegin(&g_videoFileInfo, video, m_hWnd, 0) < 1) {
             qVideoFreeFileInfo(&g_videoFileInfo);
             // Playback could not begin: back to idle at once rather than

@@ -140,3 +140,20 @@ TEST_F(ScanOptionTest, OverlongNameIsRefusedNotCut)
     responder.Verify();
     EXPECT_EQ(ReadIni("PSCaptureFileName"), kIniMissing);
 }
+
+TEST_F(ScanOptionTest, OpensWithTheSessionsValues)
+{
+    std::strcpy(g_session.szCaptureFolder, m_folder.c_str());
+    OpenDialog();
+    std::string folder, name;
+    WithOptions([&](HWND dlg) {
+        char text[300] = "";
+        GetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, text, sizeof text);
+        folder = text;
+        GetDlgItemTextA(dlg, IDC_CAPTURE_NAME, text, sizeof text);
+        name = text;
+        PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
+    });
+    EXPECT_EQ(folder, m_folder);
+    EXPECT_EQ(name, std::string(g_session.szCaptureName));
+}

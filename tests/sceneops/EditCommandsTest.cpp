@@ -6,6 +6,7 @@
 #include "session/Session.h"
 #include "support/DialogFixture.h"
 
+#include <commctrl.h>
 #include <cstring>
 
 using namespace qvtest;
@@ -180,4 +181,32 @@ TEST_F(EditCommandsTest, DeletingEverythingAsksOnceAndEmptiesTheList)
     EXPECT_EQ(SceneTableSize(), 0);
     EXPECT_FALSE(Enabled(IDC_SAVE_LIST));
     EXPECT_EQ(Dlg().m_bModified, 0);
+}
+
+TEST_F(EditCommandsTest, ViewSwitchRebuildsTheListBothWays)
+{
+    ScanScenes(5);
+    Select(1, 3);
+    std::string datesBefore = CellText(2, 3);
+    Command(IDC_VIEW_MODE);
+    EXPECT_FALSE(Dlg().m_listScenes.m_bShowThumbnails);
+    EXPECT_EQ(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0),
+              LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_GRIDLINES);
+    EXPECT_EQ(RowCount(), 5);
+    EXPECT_EQ(CellText(2, 1), "00:01:02:00");
+    EXPECT_EQ(CellText(2, 2), "00:01:02:20");
+    EXPECT_EQ(CellText(2, 3), "2003/ 7/ 4  15:06:09");
+    EXPECT_FALSE(Enabled(IDC_PREVIEW));  // no preview in the compact view
+    int first, last;
+    Dlg().m_listScenes.GetSelRange(first, last);
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(last, 3);
+    Command(IDC_VIEW_MODE);
+    EXPECT_TRUE(Dlg().m_listScenes.m_bShowThumbnails);
+    EXPECT_EQ(CellText(2, 3), datesBefore);
+    EXPECT_EQ(CellText(2, 1), "");  // the thumbnail's column holds no text
+    Dlg().m_listScenes.GetSelRange(first, last);
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(last, 3);
+    EXPECT_EQ(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETSELECTEDCOUNT, 0, 0), 3);
 }
