@@ -147,9 +147,30 @@ int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded
     SetCellText(nRow, COL_DATE, texts.date);
     SetCellText(nRow, COL_COMMENT, texts.comment);
     SetCellText(nRow, COL_FILES, texts.files);
+    if (m_bBulkRows) {
+        if (!g_bCommentColumnCapped && StringWidth(texts.comment.c_str()) > kCommentColumnCap)
+            g_bCommentColumnCapped = 1;
+        return result;
+    }
     SizeCommentColumn(texts.comment);
     SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
     return result;
+}
+
+void CqvListCtrl::BeginBulkRows()
+{
+    m_bBulkRows = true;
+    SendMessage(WM_SETREDRAW, FALSE);
+}
+
+void CqvListCtrl::EndBulkRows()
+{
+    if (!m_bBulkRows) return;
+    m_bBulkRows = false;
+    SizeCommentColumn("");
+    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
+    SendMessage(WM_SETREDRAW, TRUE);
+    Invalidate(TRUE);
 }
 
 void CqvListCtrl::UpdateOutTimes(int nFirstRow)

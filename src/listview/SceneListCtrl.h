@@ -36,6 +36,12 @@ public:
     void DeleteRow(int nRow);
     void DeleteAllRows();
 
+    // Many rows at once (a view switch, an opened file): the columns are
+    // sized once at the end instead of after every row, and nothing is
+    // drawn in between.  The widths come out the same.
+    void BeginBulkRows();
+    void EndBulkRows();
+
     // Selection
     BOOL GetSelRange(int& nFirst, int& nLast) const;
     void ClearSelection();
@@ -89,6 +95,7 @@ private:
     int DialogState() const;
 
     SceneListOwner* m_pOwner = nullptr;
+    bool m_bBulkRows = false;
     HBITMAP m_bmpMarkOff = nullptr;  // the check boxes, loaded once per list
     HBITMAP m_bmpMarkOn = nullptr;
 };

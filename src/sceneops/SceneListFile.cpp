@@ -151,7 +151,9 @@ void CPreScanDlg::ReadSceneListFile()
     qv::File file;
     if (!file.OpenRead(g_session.szSceneListFile)) return;
     StoreSink sink(*this);
+    m_listScenes.BeginBulkRows();
     qv::ReadResult result = qv::ReadSceneList(file, g_session.nTvStandard, sink);
+    m_listScenes.EndBulkRows();
     file.Close();
     if (result.status == qv::ReadStatus::NoHeader) return;
     m_listScenes.RedrawAllRows();
