@@ -379,6 +379,9 @@ bool CPreScanDlg::OnMessage(UINT msg, WPARAM wp, LPARAM lp, INT_PTR& result)
     case WM_PRESCAN_CAPTURED:
         UpdateCapturedScene(static_cast<int>(wp));
         return true;
+    case WM_PRESCAN_SHOW_NEWEST:
+        OnShowNewestRow();
+        return true;
     default:
         return false;
     }

@@ -39,6 +39,9 @@ enum PreScanState {
 const UINT_PTR kStatusTimerId = 600;
 const UINT kStatusTimerMs = 100;
 
+// Posted to itself after a scene arrived: scroll to the newest row and draw.
+#define WM_PRESCAN_SHOW_NEWEST (WM_USER + 4)
+
 // Late scene messages handled one by one after a quick scan stopped, before
 // the rest of the queue is dropped in one pass.
 extern int g_nLateSceneMsgs;
@@ -179,6 +182,8 @@ private:
     void CreateToolTips();
     void RelayToolTip(const MSG& msg);
     void FlushLateSceneMessages();
+    void ShowNewestRow(int nRow);
+    void OnShowNewestRow();
     std::string DefaultListPath() const;
     void ReadSceneListFile();
     void FinishOpen();
@@ -186,4 +191,6 @@ private:
 
     std::string m_strDefaultListName;
     bool m_bControlsBound = false;
+    int m_nNewestRow = -1;          // the row to show once the scenes pause
+    int m_bNewestRowPending = 0;    // the list's drawing is held until then
 };

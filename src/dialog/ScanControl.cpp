@@ -291,9 +291,7 @@ int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
         if (!g_bDirectCapture) {
             m_listScenes.SetSceneRow(nRow, nRow, bBegun ? TRUE : FALSE, bBegun ? TRUE : FALSE);
             m_listScenes.SelectRange(nRow, FALSE, 0);
-            m_listScenes.SendMessage(WM_VSCROLL, SB_BOTTOM, 0);
-            // Not every list honours SB_BOTTOM; the new row is shown either way.
-            m_listScenes.SendMessage(LVM_ENSUREVISIBLE, static_cast<WPARAM>(nRow), FALSE);
+            ShowNewestRow(nRow);
         }
         if (m_bLastSceneComplete) ++m_nSceneCount;
     }
@@ -311,6 +309,34 @@ int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
         return 0;
     }
     return 1;
+}
+
+// The list follows the scan to its newest row.  Scenes can come faster than
+// a list can be drawn (a quick scan, a host catching up): the list's drawing
+// is held from the first scene of a burst, and the list is scrolled and drawn
+// once when the dialog's queue reaches the message posted here.  A scene that
+// comes on its own is shown as soon as the dialog is idle again.
+void CPreScanDlg::ShowNewestRow(int nRow)
+{
+    m_nNewestRow = nRow;
+    if (m_bNewestRowPending) return;
+    m_bNewestRowPending = 1;
+    m_listScenes.SendMessage(WM_SETREDRAW, FALSE);
+    PostMessage(WM_PRESCAN_SHOW_NEWEST, 0, 0);
+}
+
+void CPreScanDlg::OnShowNewestRow()
+{
+    if (!m_bNewestRowPending) return;
+    m_bNewestRowPending = 0;
+    m_listScenes.SendMessage(WM_SETREDRAW, TRUE);
+    int rows = m_listScenes.GetRowCount();
+    if (m_nNewestRow >= 0 && m_nNewestRow < rows) {
+        m_listScenes.SendMessage(WM_VSCROLL, SB_BOTTOM, 0);
+        // Not every list honours SB_BOTTOM; the new row is shown either way.
+        m_listScenes.SendMessage(LVM_ENSUREVISIBLE, static_cast<WPARAM>(m_nNewestRow), FALSE);
+    }
+    m_listScenes.Invalidate(FALSE);
 }
 
 void CPreScanDlg::FlushLateSceneMessages()

@@ -61,7 +61,11 @@ void CPreScanDlg::UpdateTitle()
         if (m_bModified == 1) title += "*";
     }
     if (!m_hWnd) return;  // the window may have gone during the request
-    SetWindowText(title.c_str());
+    // Most scenes of a scan leave the title as it was: it is set only when it
+    // changes, so the caption is not redrawn for every scene.
+    char shown[512] = "";
+    ::GetWindowTextA(m_hWnd, shown, sizeof shown);
+    if (title != shown) SetWindowText(title.c_str());
     g_nLastTitleState = m_nState;
     g_dwLastTitlePosition = position;
 }

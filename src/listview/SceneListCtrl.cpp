@@ -9,6 +9,7 @@
 #include "session/Session.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 int g_bCommentColumnCapped;
@@ -52,6 +53,7 @@ CqvListCtrl::~CqvListCtrl()
     m_pCommentEdit = nullptr;
     if (m_bmpMarkOff) DeleteObject(m_bmpMarkOff);
     if (m_bmpMarkOn) DeleteObject(m_bmpMarkOn);
+    if (m_hMeasureDC) DeleteDC(m_hMeasureDC);
     g_bCommentColumnCapped = 0;
 }
 
@@ -90,11 +92,26 @@ void CqvListCtrl::DeleteRow(int nRow)
 void CqvListCtrl::DeleteAllRows()
 {
     SendMessage(LVM_DELETEALLITEMS);
+    ForgetColumnTexts();
 }
 
+// The width of a text in the list's font, as the list itself measures it.
+// Every new row is measured: a drawing context of the list's own would cost
+// a call to the window system per text, so one memory context is kept.
 int CqvListCtrl::StringWidth(const char* text) const
 {
-    return static_cast<int>(SendMessage(LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text)));
+    if (!text || !text[0]) return 0;
+    if (!m_hMeasureDC) m_hMeasureDC = CreateCompatibleDC(nullptr);
+    if (!m_hMeasureDC) return static_cast<int>(SendMessage(LVM_GETSTRINGWIDTHA, 0, reinterpret_cast<LPARAM>(text)));
+    auto font = reinterpret_cast<HFONT>(SendMessage(WM_GETFONT));
+    if (!font) font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+    if (font != m_hMeasureFont) {
+        SelectObject(m_hMeasureDC, font);
+        m_hMeasureFont = font;
+    }
+    SIZE size = {0, 0};
+    GetTextExtentPoint32A(m_hMeasureDC, text, static_cast<int>(std::strlen(text)), &size);
+    return static_cast<int>(size.cx);
 }
 
 void CqvListCtrl::SetCellText(int nRow, int nColumn, const std::string& text)
@@ -137,6 +154,7 @@ int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded
         result = static_cast<int>(SendMessage(LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
         if (result < 0) return -1;
         nRow = result;
+        m_nInsertedRow = nRow;  // inserted selected
     }
     if (m_bShowThumbnails) {
         SetCellText(nRow, COL_TIMES_OR_OUT, texts.times);
@@ -147,19 +165,42 @@ int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded
     SetCellText(nRow, COL_DATE, texts.date);
     SetCellText(nRow, COL_COMMENT, texts.comment);
     SetCellText(nRow, COL_FILES, texts.files);
-    if (m_bBulkRows) {
-        if (!g_bCommentColumnCapped && StringWidth(texts.comment.c_str()) > kCommentColumnCap)
-            g_bCommentColumnCapped = 1;
-        return result;
-    }
-    SizeCommentColumn(texts.comment);
-    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
+    WidenColumnsFor(texts.comment, texts.files);
     return result;
+}
+
+// The comment and files columns fit the widest text they hold.  Sizing a
+// column to its texts visits every row, so it is done only when a row brings
+// a text wider than any seen since the rows were last rebuilt: a long scan
+// then costs the same per scene at its end as at its start.  Columns widen
+// and never narrow while rows come in; a rebuild (view switch, opened file)
+// and an edited comment or file name size them to the texts again.
+void CqvListCtrl::WidenColumnsFor(const std::string& comment, const std::string& files)
+{
+    int commentWidth = StringWidth(comment.c_str());
+    int filesWidth = StringWidth(files.c_str());
+    bool wider = commentWidth > m_nWidestComment || filesWidth > m_nWidestFiles;
+    m_nWidestComment = std::max(m_nWidestComment, commentWidth);
+    m_nWidestFiles = std::max(m_nWidestFiles, filesWidth);
+    if (m_bBulkRows) {
+        if (commentWidth > kCommentColumnCap) g_bCommentColumnCapped = 1;
+        return;  // sized once when the rebuild ends
+    }
+    if (!wider) return;
+    SizeCommentColumn(comment);
+    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
+}
+
+void CqvListCtrl::ForgetColumnTexts()
+{
+    m_nWidestComment = -1;
+    m_nWidestFiles = -1;
 }
 
 void CqvListCtrl::BeginBulkRows()
 {
     m_bBulkRows = true;
+    ForgetColumnTexts();
     SendMessage(WM_SETREDRAW, FALSE);
 }
 
@@ -217,12 +258,26 @@ BOOL CqvListCtrl::GetSelRange(int& nFirst, int& nLast) const
     return m_bRangeSelected;
 }
 
+// Clearing the state of every row costs as much as the list is long, and a
+// scan selects each new scene: so the rows this list itself selected (its
+// range and the newest inserted row) and the focused row are cleared one by
+// one, and every row is visited only when some other row is still selected
+// (the list control's own click and key handling selects rows too).
 void CqvListCtrl::ClearSelection()
 {
     LVITEMA item = {};
     item.stateMask = LVIS_SELECTED | LVIS_FOCUSED | LVIS_DROPHILITED;
     item.state = 0;
-    SendMessage(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
+    auto clear = [&](int row) { SendMessage(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item)); };
+    int rows = GetRowCount();
+    int first = std::max(0, std::min(m_nAnchorRow, m_nCurrentRow));
+    int last = std::min(rows - 1, std::max(m_nAnchorRow, m_nCurrentRow));
+    for (int r = first; r <= last; ++r) clear(r);
+    if (m_nInsertedRow >= 0 && m_nInsertedRow < rows) clear(m_nInsertedRow);
+    m_nInsertedRow = -1;
+    int focused = static_cast<int>(SendMessage(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+    if (focused >= 0) clear(focused);
+    if (SendMessage(LVM_GETSELECTEDCOUNT) != 0) clear(-1);
 }
 
 void CqvListCtrl::SelectRange(int nFrom, BOOL bRange, int nTo)
@@ -259,6 +314,7 @@ void CqvListCtrl::DeleteAllColumns()
 
 void CqvListCtrl::InsertSceneColumns()
 {
+    ForgetColumnTexts();
     // Full-row selection, draggable headers and grid lines; the thumbnail
     // view adds sub-item images.  The list's own check-box style is never set:
     // the marks are the list's own drawing, and that style would paint its

@@ -91,11 +91,18 @@ private:
 
     void SetCellText(int nRow, int nColumn, const std::string& text);
     void SizeCommentColumn(const std::string& comment);
+    void WidenColumnsFor(const std::string& comment, const std::string& files);
+    void ForgetColumnTexts();
     int StringWidth(const char* text) const;
     int DialogState() const;
 
     SceneListOwner* m_pOwner = nullptr;
     bool m_bBulkRows = false;
+    int m_nWidestComment = -1;  // widest texts since the rows were rebuilt
+    int m_nWidestFiles = -1;
+    int m_nInsertedRow = -1;    // the newest row, inserted selected
+    mutable HDC m_hMeasureDC = nullptr;  // texts are measured here
+    mutable HFONT m_hMeasureFont = nullptr;
     HBITMAP m_bmpMarkOff = nullptr;  // the check boxes, loaded once per list
     HBITMAP m_bmpMarkOn = nullptr;
 };

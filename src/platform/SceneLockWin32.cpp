@@ -10,6 +10,7 @@ struct SceneLock::Impl {
     HANDLE idle;             // set while no one uses the lock
     bool alive = false;
     bool exists = false;     // `lock` is initialised
+    bool deleting = false;   // Delete waits for `idle`
     long users = 0;          // entries in progress or held
 };
 
@@ -43,7 +44,10 @@ void SceneLock::Delete()
     EnterCriticalSection(&m_impl->gate);
     m_impl->alive = false;
     bool wait = m_impl->users > 0;
-    if (wait) ResetEvent(m_impl->idle);
+    if (wait) {
+        ResetEvent(m_impl->idle);
+        m_impl->deleting = true;
+    }
     LeaveCriticalSection(&m_impl->gate);
     // Users still inside (or queued) leave at once once they see the flag.
     if (wait) WaitForSingleObject(m_impl->idle, INFINITE);
@@ -80,7 +84,12 @@ void SceneLock::Leave()
 {
     LeaveCriticalSection(&m_impl->lock);
     EnterCriticalSection(&m_impl->gate);
-    if (--m_impl->users == 0) SetEvent(m_impl->idle);
+    // The event is signalled only for a Delete that waits: every entry of the
+    // lock would otherwise pay for a kernel call.
+    if (--m_impl->users == 0 && m_impl->deleting) {
+        m_impl->deleting = false;
+        SetEvent(m_impl->idle);
+    }
     LeaveCriticalSection(&m_impl->gate);
 }
 

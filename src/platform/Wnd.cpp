@@ -7,7 +7,39 @@
 
 namespace {
 
-const char kObjectProp[] = "qvWndObject";
+// The objects of subclassed windows, by handle.  It is read for every
+// message such a window receives, so it lives in the process: a window
+// property would cost a call to the window server per message under Wine.
+class ObjectTable {
+public:
+    CWnd* Find(HWND hWnd)
+    {
+        AcquireSRWLockShared(&m_lock);
+        auto it = m_objects.find(hWnd);
+        CWnd* found = it == m_objects.end() ? nullptr : it->second;
+        ReleaseSRWLockShared(&m_lock);
+        return found;
+    }
+    void Set(HWND hWnd, CWnd* pWnd)
+    {
+        AcquireSRWLockExclusive(&m_lock);
+        if (pWnd)
+            m_objects[hWnd] = pWnd;
+        else
+            m_objects.erase(hWnd);
+        ReleaseSRWLockExclusive(&m_lock);
+    }
+
+private:
+    SRWLOCK m_lock = SRWLOCK_INIT;
+    std::unordered_map<HWND, CWnd*> m_objects;
+};
+
+ObjectTable& Objects()
+{
+    static ObjectTable table;
+    return table;
+}
 
 // Wrappers made by FromHandle live until the thread ends: they hold nothing
 // but the handle, and the same window always gets the same wrapper.
@@ -32,7 +64,7 @@ CWnd* CWnd::FromHandle(HWND hWnd)
 
 CWnd* CWnd::FromHandlePermanent(HWND hWnd)
 {
-    return hWnd ? static_cast<CWnd*>(GetPropA(hWnd, kObjectProp)) : nullptr;
+    return hWnd ? Objects().Find(hWnd) : nullptr;
 }
 
 std::string CWnd::GetWindowText() const
@@ -56,7 +88,7 @@ bool CWnd::SubclassWindow(HWND hWnd)
 {
     if (!hWnd || m_hWnd || FromHandlePermanent(hWnd)) return false;
     m_hWnd = hWnd;
-    SetPropA(hWnd, kObjectProp, this);
+    Objects().Set(hWnd, this);
     m_pfnSuper = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrA(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CWnd::SubclassProc)));
     return m_pfnSuper != nullptr;
@@ -72,7 +104,7 @@ HWND CWnd::UnsubclassWindow()
     HWND hWnd = m_hWnd;
     if (hWnd && m_pfnSuper) {
         SetWindowLongPtrA(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_pfnSuper));
-        RemovePropA(hWnd, kObjectProp);
+        Objects().Set(hWnd, nullptr);
     }
     m_pfnSuper = nullptr;
     m_hWnd = nullptr;

@@ -30,7 +30,7 @@ struct FreeingSink : qv::SceneListSink {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static std::string path = "/tmp/qvpsf-fuzz-" + std::to_string(getpid()) + ".psf";
+    static std::string path = "/dev/shm/qvpsf-fuzz-" + std::to_string(getpid()) + ".psf";
     FILE* f = std::fopen(path.c_str(), "wb");
     if (!f) return 0;
     std::fwrite(data, 1, size, f);
