@@ -101,6 +101,9 @@ public:
     void SaveSceneListAs();
     void OpenSceneList();
     int WriteSceneListFile();
+    // Opens the list file named in the session (what Open does once a file
+    // was chosen); the list file benchmark calls it without the dialog.
+    void OpenChosenSceneList();
     int RunSceneListDialog(char* pszProposed);
     void ApplyTapeName(const char* pszText);
     void ApplyTapeDescription(const char* pszText);

@@ -77,7 +77,6 @@ void CqvListCtrl::DrawCell(HDC dc, int nRow, int nColumn)
     FillRect(dc, &rc, selected ? GetSysColorBrush(COLOR_HIGHLIGHT) : static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     SetTextColor(dc, selected ? RGB(255, 255, 255) : RGB(0, 0, 0));
     SetBkMode(dc, TRANSPARENT);
-
     SceneRecord* scene = FetchScene(nRow);
     if (!scene) return;
     if (nColumn == 0) {
@@ -94,7 +93,10 @@ void CqvListCtrl::DrawCell(HDC dc, int nRow, int nColumn)
         if (!FetchThumbnail(nRow, header, bits)) return;
         int cx = (rc.left + rc.right) / 2, cy = (rc.top + rc.bottom) / 2;
         int srcHeight = header->biHeight < 0 ? -header->biHeight : header->biHeight;
-        HDRAWDIB dd = DrawDibOpen();
+        // One DrawDib context serves every thumbnail: opening one looks for a
+        // video decompressor each time, which costs more than the drawing.
+        if (!m_hDrawDib) m_hDrawDib = DrawDibOpen();
+        HDRAWDIB dd = static_cast<HDRAWDIB>(m_hDrawDib);
         if (!dd) return;
         // The header is used as the host delivered it; DrawDib reads no colour
         // table beyond it for the 16- and 24-bit thumbnails scenes carry.
@@ -103,18 +105,25 @@ void CqvListCtrl::DrawCell(HDC dc, int nRow, int nColumn)
         std::memcpy(&bih, header, sizeof bih);
         DrawDibDraw(dd, dc, cx - kThumbWidth / 2, cy - kThumbHeight / 2, kThumbWidth, kThumbHeight, &bih,
                     const_cast<uint8_t*>(bits), 0, 0, header->biWidth, srcHeight, DDF_BACKGROUNDPAL);
-        DrawDibClose(dd);
     }
 }
 
 void CqvListCtrl::DrawMarkCell(HDC dc, int nRow, const RECT& rc, const SceneRecord& scene)
 {
-    if (!m_bmpMarkOff) m_bmpMarkOff = LoadBitmapW(g_hModule, MAKEINTRESOURCEW(IDB_MARK_OFF));
-    if (!m_bmpMarkOn) m_bmpMarkOn = LoadBitmapW(g_hModule, MAKEINTRESOURCEW(IDB_MARK_ON));
+    // Loaded as device-independent bitmaps: copying from one is plain memory
+    // work, where a device bitmap may live in the display server.
+    auto load = [](UINT id) {
+        return static_cast<HBITMAP>(LoadImageW(g_hModule, MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
+    };
+    if (!m_bmpMarkOff) m_bmpMarkOff = load(IDB_MARK_OFF);
+    if (!m_bmpMarkOn) m_bmpMarkOn = load(IDB_MARK_ON);
     if (!m_bmpMarkOff) return;
-    BITMAP bm = {};
-    GetObjectA(m_bmpMarkOff, sizeof bm, &bm);
-    int w = bm.bmWidth, h = bm.bmHeight;
+    if (m_szMark.cx == 0) {
+        BITMAP bm = {};
+        GetObjectA(m_bmpMarkOff, sizeof bm, &bm);
+        m_szMark = {bm.bmWidth, bm.bmHeight};
+    }
+    int w = m_szMark.cx, h = m_szMark.cy;
     int cx = (rc.left + rc.right) / 2, cy = (rc.top + rc.bottom) / 2;
     RECT box = {cx - w / 2, cy - h / 2, cx - w / 2 + w, cy - h / 2 + h};
     if (m_bMarkClickPending && ToggleMarkAt(&box, nRow)) m_bMarkClickPending = FALSE;
@@ -128,11 +137,12 @@ void CqvListCtrl::DrawMarkCell(HDC dc, int nRow, const RECT& rc, const SceneReco
         else
             record.bMarked = 0;  // any value but 1 shows, and is, unmarked
     }
-    HDC mem = CreateCompatibleDC(dc);
-    HGDIOBJ old = SelectObject(mem, image);
-    BitBlt(dc, box.left, box.top, w, h, mem, 0, 0, SRCCOPY);
-    SelectObject(mem, old);
-    DeleteDC(mem);
+    // The check boxes are drawn from one memory context kept with them.
+    if (!m_hMarkDC) m_hMarkDC = CreateCompatibleDC(dc);
+    if (!m_hMarkDC) return;
+    HGDIOBJ old = SelectObject(m_hMarkDC, image);
+    BitBlt(dc, box.left, box.top, w, h, m_hMarkDC, 0, 0, SRCCOPY);
+    SelectObject(m_hMarkDC, old);
 }
 
 void CqvListCtrl::PaintEmptyList()

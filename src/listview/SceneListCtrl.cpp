@@ -8,6 +8,8 @@
 #include "scenes/SceneStore.h"
 #include "session/Session.h"
 
+#include <vfw.h>
+
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -54,6 +56,8 @@ CqvListCtrl::~CqvListCtrl()
     if (m_bmpMarkOff) DeleteObject(m_bmpMarkOff);
     if (m_bmpMarkOn) DeleteObject(m_bmpMarkOn);
     if (m_hMeasureDC) DeleteDC(m_hMeasureDC);
+    if (m_hMarkDC) DeleteDC(m_hMarkDC);
+    if (m_hDrawDib) DrawDibClose(static_cast<HDRAWDIB>(m_hDrawDib));
     g_bCommentColumnCapped = 0;
 }
 

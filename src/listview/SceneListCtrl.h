@@ -102,7 +102,10 @@ private:
     int m_nWidestFiles = -1;
     int m_nInsertedRow = -1;    // the newest row, inserted selected
     mutable HDC m_hMeasureDC = nullptr;  // texts are measured here
+    void* m_hDrawDib = nullptr;          // thumbnails are drawn through this
     mutable HFONT m_hMeasureFont = nullptr;
     HBITMAP m_bmpMarkOff = nullptr;  // the check boxes, loaded once per list
     HBITMAP m_bmpMarkOn = nullptr;
+    HDC m_hMarkDC = nullptr;           // the check boxes are drawn from here
+    SIZE m_szMark = {0, 0};
 };

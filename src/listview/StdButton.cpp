@@ -18,7 +18,9 @@ void CStdButton::ReleaseStrip()
 BOOL CStdButton::SetBitmap(UINT nBitmapId)
 {
     ReleaseStrip();
-    m_bitmap = LoadBitmapW(g_hModule, MAKEINTRESOURCEW(nBitmapId));
+    // A device-independent bitmap: drawing a frame is memory work only.
+    m_bitmap = static_cast<HBITMAP>(
+        LoadImageW(g_hModule, MAKEINTRESOURCEW(nBitmapId), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION));
     if (!m_bitmap) return FALSE;
     BITMAP bm = {};
     GetObjectA(m_bitmap, sizeof bm, &bm);

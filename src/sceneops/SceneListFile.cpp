@@ -136,14 +136,18 @@ void CPreScanDlg::OpenSceneList()
     DisableAllControls();
     if (RunSceneListDialog(nullptr)) {
         SetCursor(LoadCursorA(nullptr, IDC_WAIT));
-        if (HasListExtension(g_session.szSceneListFile)) {
-            ReadSceneListFile();
-            FinishOpen();
-        }
+        OpenChosenSceneList();
     }
     RestoreControls();
     SetCursor(LoadCursorA(nullptr, IDC_ARROW));
     EnableDeviceControls(m_bDeviceReady);
+}
+
+void CPreScanDlg::OpenChosenSceneList()
+{
+    if (!HasListExtension(g_session.szSceneListFile)) return;
+    ReadSceneListFile();
+    FinishOpen();
 }
 
 void CPreScanDlg::ReadSceneListFile()
