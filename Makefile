@@ -16,7 +16,7 @@ JOBS    ?= $(shell nproc)
 
 FUZZ_SECONDS ?= 300
 
-.PHONY: all deps build build-win build-native test test-native test-win demo run shots fuzz clean
+.PHONY: all deps build build-win build-native test test-native test-win demo run shots fuzz bench clean
 
 all: build
 
@@ -55,6 +55,10 @@ run: build-win
 
 shots: build-win
 	scripts/with-display.sh scripts/shots.sh
+
+# The benchmarks in full (several minutes); make test runs each once, small.
+bench: build-win
+	scripts/bench.sh
 
 fuzz:
 	FUZZ_SECONDS=$(FUZZ_SECONDS) scripts/fuzz.sh

@@ -17,7 +17,7 @@ mkdir -p "$out/work"
 clang++ -std=c++20 -O1 -g -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=all \
     -I"$root/include" -I"$root/src" -I"$root/hostres" \
     "$root/tests/fuzz/PsfReaderFuzz.cpp" "$root/src/sceneops/SceneListCodec.cpp" "$root/src/scenes/TimeCode.cpp" \
-    "$root/src/platform/MemoryBlockPosix.cpp" "$root/src/platform/FilePosix.cpp" -o "$out/psf_fuzz"
+    "$root/src/platform/MemoryBlockPosix.cpp" "$root/src/platform/FilePosix.cpp" "$root/src/platform/File.cpp" -o "$out/psf_fuzz"
 cd "$out"
 ./psf_fuzz -max_total_time="$seconds" -max_len=200000 -artifact_prefix="$root/tests/fuzz/corpus/crash-" \
     -print_final_stats=1 work "$root/tests/fuzz/corpus" 2>&1 | tail -25

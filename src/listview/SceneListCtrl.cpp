@@ -154,11 +154,14 @@ int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded
         item.mask = LVIF_TEXT | LVIF_STATE;
         item.iItem = nRow;
         item.pszText = const_cast<char*>("");
-        item.state = item.stateMask = LVIS_SELECTED;
+        // A scene coming in is selected as it is added; rows rebuilt in bulk
+        // are not, the selection is set once they are all there.
+        item.stateMask = LVIS_SELECTED;
+        item.state = m_bBulkRows ? 0 : LVIS_SELECTED;
         result = static_cast<int>(SendMessage(LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
         if (result < 0) return -1;
         nRow = result;
-        m_nInsertedRow = nRow;  // inserted selected
+        if (!m_bBulkRows) m_nInsertedRow = nRow;  // inserted selected
     }
     if (m_bShowThumbnails) {
         SetCellText(nRow, COL_TIMES_OR_OUT, texts.times);
@@ -281,7 +284,11 @@ void CqvListCtrl::ClearSelection()
     m_nInsertedRow = -1;
     int focused = static_cast<int>(SendMessage(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
     if (focused >= 0) clear(focused);
-    if (SendMessage(LVM_GETSELECTEDCOUNT) != 0) clear(-1);
+    if (SendMessage(LVM_GETSELECTEDCOUNT) == 0) return;
+    // Others are still selected: they are found and cleared one by one, so
+    // that unselected rows are only looked at, never updated.
+    for (int r = -1; (r = static_cast<int>(SendMessage(LVM_GETNEXTITEM, static_cast<WPARAM>(r), LVNI_SELECTED))) >= 0;)
+        clear(r);
 }
 
 void CqvListCtrl::SelectRange(int nFrom, BOOL bRange, int nTo)
@@ -304,10 +311,16 @@ void CqvListCtrl::SetThumbnailView(BOOL bThumbnails)
     m_ptClick = {0, 0};
 }
 
+// Only rows on screen can be drawn: asking the list to redraw the others
+// would cost a region update per row for nothing.
 void CqvListCtrl::RedrawAllRows()
 {
     int n = GetRowCount();
-    if (n > 0) SendMessage(LVM_REDRAWITEMS, 0, n - 1);
+    if (n > 0) {
+        int top = std::max(0, static_cast<int>(SendMessage(LVM_GETTOPINDEX)));
+        int last = std::min(n - 1, top + static_cast<int>(SendMessage(LVM_GETCOUNTPERPAGE)));
+        SendMessage(LVM_REDRAWITEMS, static_cast<WPARAM>(top), last);
+    }
     Invalidate(FALSE);
 }
 

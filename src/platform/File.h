@@ -1,8 +1,10 @@
-// Files read and written block by block, one call per block, with the
-// sequential-scan hint.  Portable: a Win32 and a POSIX implementation.
+// Files read block by block, one call per block, with the sequential-scan
+// hint; written through a buffer, in large pieces.  Portable: a Win32 and a
+// POSIX implementation under the common buffering of File.cpp.
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 namespace qv {
 
@@ -23,8 +25,12 @@ public:
     // One read call; `got` receives the bytes that arrived.  False only when
     // the call itself failed.
     bool Read(void* p, uint32_t cb, uint32_t& got);
-    // True only when every byte was written.
+    // Gathers bytes for the file.  False when they cannot be written; a
+    // failure may show only at the Flush that follows.
     bool Write(const void* p, uint32_t cb);
+    // Writes what was gathered.  True only when every byte written so far
+    // reached the file.  Close flushes too, but cannot report a failure.
+    bool Flush();
     // Bytes between the position and the end (reading), for sanity checks.
     int64_t Remaining() const { return m_size - m_pos; }
 
@@ -33,7 +39,11 @@ public:
     static void Delete(const char* path);
 
 private:
+    bool WriteDirect(const void* p, uint32_t cb);  // one system call
+
     void* m_handle = nullptr;
+    std::vector<uint8_t> m_buffer;
+    bool m_writeFailed = false;
     int64_t m_size = 0;
     int64_t m_pos = 0;
 };

@@ -37,8 +37,10 @@ bool File::Create(const char* path)
 
 void File::Close()
 {
+    Flush();
     if (m_handle) ::close(Fd(m_handle));
     m_handle = nullptr;
+    m_writeFailed = false;
 }
 
 bool File::Read(void* p, uint32_t cb, uint32_t& got)
@@ -52,7 +54,7 @@ bool File::Read(void* p, uint32_t cb, uint32_t& got)
     return true;
 }
 
-bool File::Write(const void* p, uint32_t cb)
+bool File::WriteDirect(const void* p, uint32_t cb)
 {
     if (!m_handle) return false;
     ssize_t n = ::write(Fd(m_handle), p, cb);

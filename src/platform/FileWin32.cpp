@@ -31,8 +31,10 @@ bool File::Create(const char* path)
 
 void File::Close()
 {
+    Flush();
     if (m_handle) CloseHandle(static_cast<HANDLE>(m_handle));
     m_handle = nullptr;
+    m_writeFailed = false;
 }
 
 bool File::Read(void* p, uint32_t cb, uint32_t& got)
@@ -45,7 +47,7 @@ bool File::Read(void* p, uint32_t cb, uint32_t& got)
     return true;
 }
 
-bool File::Write(const void* p, uint32_t cb)
+bool File::WriteDirect(const void* p, uint32_t cb)
 {
     DWORD n = 0;
     if (!m_handle || !WriteFile(static_cast<HANDLE>(m_handle), p, cb, &n, nullptr)) return false;

@@ -168,7 +168,7 @@ bool WriteSceneList(File& file, const SceneListTexts& texts, SceneListSource& so
         if (!file.Write(header ? header : &noHeader, sizeof noHeader)) return false;
         if (copy.dwThumbSize && !file.Write(bits, copy.dwThumbSize)) return false;
     }
-    return true;
+    return file.Flush();
 }
 
 } // namespace qv

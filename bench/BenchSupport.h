@@ -1,0 +1,92 @@
+// Shared pieces of the benchmark programs: timing with repetitions, the
+// process's private bytes, a message pump, a thumbnail of the size hosts
+// deliver, and the result lines scripts/bench.sh turns into a table.
+//
+// Every figure is reported with its baseline (what the platform itself
+// needs for the comparable job, measured in the same run) and the ratio.
+#pragma once
+
+#include "qvPreScan.h"
+
+#include <windows.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+struct Options {
+    bool smoke = false;  // the smallest size, one repetition: CI keeps the programs alive
+    int reps = 5;
+};
+Options ParseOptions(int argc, char** argv);
+
+double NowSeconds();
+
+// Minimum, median and maximum of a set of samples.
+struct Stats {
+    double min = 0, median = 0, max = 0;
+};
+Stats StatsOf(std::vector<double> samples);
+
+// One line of the table: a figure, its baseline and their ratio (medians).
+// `target` names the goal in words ("<= 1.5"), empty when there is none;
+// `met` says whether it was reached.
+struct Row {
+    std::string figure, unit;
+    Stats value;
+    std::string baseline;
+    Stats base;
+    bool hasBaseline = true;
+    std::string target;
+    bool met = true;
+};
+void Report(const Row& row);
+// A line of free text under the table (how a figure was taken).
+void Note(const std::string& text);
+
+// Committed private bytes of this process: the sum of its private, committed
+// regions (the same count Windows calls private bytes; walked with
+// VirtualQuery, which Wine answers from its own address-space map).
+uint64_t PrivateBytes();
+
+// Dispatches every message waiting on this thread.
+void PumpPending();
+// Pumps until `done` returns true or `ms` elapse; false on the deadline.
+bool PumpUntil(const std::function<bool()>& done, DWORD ms);
+
+// Answers every message box of this thread with `button` while it lives.
+class MessageBoxAnswerer {
+public:
+    explicit MessageBoxAnswerer(int button);
+    ~MessageBoxAnswerer();
+    MessageBoxAnswerer(const MessageBoxAnswerer&) = delete;
+    MessageBoxAnswerer& operator=(const MessageBoxAnswerer&) = delete;
+
+private:
+    static LRESULT CALLBACK CbtProc(int code, WPARAM wp, LPARAM lp);
+    HHOOK m_hook = nullptr;
+};
+
+// An 80x60 24-bit thumbnail, a different colour for each `seed`.
+struct Thumbnail {
+    BITMAPINFOHEADER header;
+    std::vector<uint8_t> bits;
+};
+Thumbnail MakeThumbnail(int seed);
+
+// A scene descriptor: in and out as packed time codes of scene `n`.
+SceneInfo MakeScene(int n, bool ended, uint32_t thumbSize);
+
+// Points the module's settings file into a fresh folder under %TEMP% and
+// writes `values` (key, value) into its "MainSec" before the session starts.
+std::string PrepareSettings(const char* name, const std::vector<std::pair<std::string, std::string>>& values);
+
+// The host's callback for benchmarks: scans start, the device is ready, and
+// everything else is refused.
+int32_t BenchHost(int32_t code, intptr_t arg);
+PreScanInitInfo BenchInitInfo();
+
+} // namespace bench

@@ -1,0 +1,167 @@
+// Scene list files: saving the dialog's list and opening a file into it,
+// through the module's own file code (the file dialogs are left out: the
+// benchmark names the file as the dialog would), against the platform's
+// CopyFileA of the same file.  Also reading a file through the reader alone,
+// to show what the list's rows add.
+#include "BenchSupport.h"
+
+#include "dialog/PreScanDlg.h"
+#include "platform/BoundedCopy.h"
+#include "platform/File.h"
+#include "platform/MemoryBlock.h"
+#include "sceneops/SceneListCodec.h"
+#include "session/Session.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+using namespace bench;
+
+namespace {
+
+// A synthetic list written straight through the writer: the file to open.
+class SyntheticSource : public qv::SceneListSource {
+public:
+    explicit SyntheticSource(int count) : m_count(count), m_thumb(MakeThumbnail(3))
+    {
+        std::memcpy(&m_header, &m_thumb.header, sizeof m_header);
+    }
+    int Count() const override { return m_count; }
+    SceneRecord* Record(int i) override
+    {
+        SceneInfo scene = MakeScene(i, true, static_cast<uint32_t>(m_thumb.bits.size()));
+        std::memset(&m_record, 0, sizeof m_record);
+        std::memcpy(&m_record, &scene, sizeof scene);
+        m_record.nIndex = i;
+        qv::FormatBounded(m_record.szComment, sizeof m_record.szComment, "Scene %d", i);
+        return &m_record;
+    }
+    const ThumbHeader* Header(int) const override { return &m_header; }
+    const uint8_t* Bits(int) const override { return m_thumb.bits.data(); }
+
+private:
+    int m_count;
+    Thumbnail m_thumb;
+    ThumbHeader m_header;
+    SceneRecord m_record;
+};
+
+bool WriteSynthetic(const std::string& path, int count)
+{
+    qv::File file;
+    if (!file.Create(path.c_str())) return false;
+    SyntheticSource source(count);
+    qv::SceneListTexts texts;
+    texts.tapeName = "Benchmark tape";
+    return qv::WriteSceneList(file, texts, source);
+}
+
+struct FreeingSink : qv::SceneListSink {
+    int entries = 0;
+    void OnHeader(const qv::SceneListInfo&) override {}
+    bool OnEntry(int, SceneRecord* r, ThumbHeader* h, uint8_t* b) override
+    {
+        ++entries;
+        qv::FreeBlock(r);
+        qv::FreeBlock(h);
+        qv::FreeBlock(b);
+        return true;
+    }
+};
+
+double TimeCopy(const std::string& from, const std::string& to)
+{
+    DeleteFileA(to.c_str());
+    double t0 = NowSeconds();
+    BOOL ok = CopyFileA(from.c_str(), to.c_str(), FALSE);
+    double t = NowSeconds() - t0;
+    DeleteFileA(to.c_str());
+    return ok ? t : -1;
+}
+
+Row RowOf(const std::string& figure, const std::vector<double>& value, const std::vector<double>& base, double limit)
+{
+    Row row;
+    row.figure = figure;
+    row.unit = "ms";
+    row.value = StatsOf(value);
+    row.baseline = "CopyFileA of the same file";
+    row.base = StatsOf(base);
+    if (limit > 0) {
+        char target[32];
+        std::snprintf(target, sizeof target, "ratio <= %.1f", limit);
+        row.target = target;
+        row.met = row.value.median <= limit * row.base.median;
+    }
+    return row;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options opt = ParseOptions(argc, argv);
+    InitCommonControls();
+    std::string folder = PrepareSettings("qv-bench-psf", {});
+    WritePrivateProfileStringA("MainSec", "PSCaptureFileName", (folder + "\\Scan.avi").c_str(),
+                               (folder + "\\qvPreScan.ini").c_str());
+    PreScanInitInfo info = BenchInitInfo();
+    qvPreScanInit(&info);
+    HWND host = CreateWindowA("STATIC", "bench host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300, nullptr,
+                              nullptr, nullptr, nullptr);
+    if (!qvShowPreScanDlg(host) || !g_session.pDialog) return 1;
+    CPreScanDlg& dlg = *g_session.pDialog;
+    PumpPending();
+
+    std::vector<int> sizes = opt.smoke ? std::vector<int>{1000} : std::vector<int>{1000, 32767};
+    for (int n : sizes) {
+        std::string source = folder + "\\source.psf", saved = folder + "\\saved.psf", copy = folder + "\\copy.psf";
+        if (!WriteSynthetic(source, n)) return 1;
+        std::vector<double> open, read, save, copyTimes;
+        for (int r = 0; r < opt.reps; ++r) {
+            qv::CopyBounded(g_session.szSceneListFile, source.c_str());
+            double t0 = NowSeconds();
+            dlg.OpenChosenSceneList();
+            open.push_back((NowSeconds() - t0) * 1e3);
+            if (dlg.m_nSceneCount != n) {
+                std::fprintf(stderr, "opened %d of %d scenes\n", dlg.m_nSceneCount, n);
+                return 1;
+            }
+            {
+                qv::File file;
+                FreeingSink sink;
+                t0 = NowSeconds();
+                file.OpenRead(source.c_str());
+                qv::ReadSceneList(file, g_session.nTvStandard, sink);
+                read.push_back((NowSeconds() - t0) * 1e3);
+                if (sink.entries != n) return 1;
+            }
+            qv::CopyBounded(g_session.szSceneListFile, saved.c_str());
+            t0 = NowSeconds();
+            int written = dlg.WriteSceneListFile();
+            save.push_back((NowSeconds() - t0) * 1e3);
+            if (!written) return 1;
+            copyTimes.push_back(TimeCopy(saved, copy) * 1e3);
+        }
+        std::string size = std::to_string(n) + " scenes";
+        Report(RowOf("Save the list, " + size, save, copyTimes, 1.3));
+        Report(RowOf("Open a list file into the dialog, " + size, open, copyTimes, 1.3));
+        Report(RowOf("Read a list file, reader alone, " + size, read, copyTimes, 0));
+        WIN32_FILE_ATTRIBUTE_DATA attr;
+        if (GetFileAttributesExA(saved.c_str(), GetFileExInfoStandard, &attr))
+            Note(size + ": " + std::to_string((static_cast<uint64_t>(attr.nFileSizeHigh) << 32 | attr.nFileSizeLow) >> 20) +
+                 " MiB per file");
+        DeleteFileA(source.c_str());
+        DeleteFileA(saved.c_str());
+    }
+    {
+        MessageBoxAnswerer answerNo(IDNO);
+        qvForceToStopPreScan(1);
+    }
+    DestroyWindow(host);
+    qvPreScanUnInit();
+    return 0;
+}

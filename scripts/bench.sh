@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Runs the benchmark programs under Wine in Xvfb and prints one table: each
+# figure with its platform baseline from the same run and their ratio.  The
+# full run also writes the table to docs/BENCHMARKS.md.
+# Usage: bench.sh [--smoke]   (--smoke: smallest size, one repetition)
+set -euo pipefail
+root="$(cd "$(dirname "$0")/.." && pwd)"
+mode="${1:-}"
+args=()
+[ "$mode" = "--smoke" ] && args=(--smoke)
+raw="$root/build/bench-results.tsv"
+: > "$raw"
+for exe in bench_feed bench_psf bench_paint; do
+    echo "== $exe ${args[*]:-}" >&2
+    QV_FORCE_XVFB=1 "$root/scripts/with-display.sh" "$root/scripts/wine-run.sh" \
+        "$root/build/win/bench/$exe.exe" "${args[@]}" 2>/dev/null | tr -d '\r' | grep -E '^(ROW|NOTE)' >> "$raw"
+done
+
+table() {
+    echo "| Figure | Unit | Min | Median | Max | Baseline | Baseline median | Ratio | Target |"
+    echo "|---|---|---:|---:|---:|---|---:|---:|---|"
+    awk -F'\t' '$1 == "ROW" {
+        target = ($12 == "-" || $12 == "") ? "" : $12 " (" $13 ")"
+        base = ($7 == "-") ? "" : $7
+        printf "| %s | %s | %.4g | %.4g | %.4g | %s | %s | %s | %s |\n", $2, $3, $4, $5, $6, base, ($7 == "-") ? "" : sprintf("%.4g", $9), $11, target
+    }' "$raw"
+    awk -F'\t' '$1 == "NOTE" { printf "\n%s", $2 } END { print "" }' "$raw"
+}
+
+table
+if [ "$mode" != "--smoke" ]; then
+    mem_gib=$(awk '/MemTotal/ { printf "%.0f", $2 / 1048576 }' /proc/meminfo)
+    {
+        echo "# Benchmarks"
+        echo
+        echo "Measured $(date -u +%Y-%m-%d) on $(nproc) cores, ${mem_gib} GiB, $(wine64 --version 2>/dev/null || echo Wine) under Xvfb,"
+        echo "with \`make bench\` (scripts/bench.sh). Each figure is the median of at least five runs, with the"
+        echo "platform's own cost for the comparable job measured in the same run; the ratio is of the medians."
+        echo
+        table
+    } > "$root/docs/BENCHMARKS.md"
+    echo "written to docs/BENCHMARKS.md" >&2
+fi
