@@ -1,7 +1,6 @@
-// The scene store's memory: zero-filled movable blocks, locked for their
-// whole life and addressed by that pointer (on Windows: GlobalAlloc with
-// GMEM_MOVEABLE | GMEM_ZEROINIT, then GlobalLock).  Every piece of the store
-// is allocated here, so the store can free all of it alike.
+// The scene store's memory: zero-filled fixed blocks addressed by their
+// pointer (on Windows: GlobalAlloc with GPTR).  Every piece of the store is
+// allocated here, so the store can free all of it alike.
 #pragma once
 
 #include <cstddef>
