@@ -91,6 +91,10 @@ void CqvListCtrl::DrawCell(HDC dc, int nRow, int nColumn)
         const ThumbHeader* header = nullptr;
         const uint8_t* bits = nullptr;
         if (!FetchThumbnail(nRow, header, bits)) return;
+        // Pixels from a list file are drawn only when there are as many as
+        // the header describes.
+        uint32_t needed = ThumbnailBytes(*header);
+        if (needed == 0 || scene->dwThumbSize < needed) return;
         int cx = (rc.left + rc.right) / 2, cy = (rc.top + rc.bottom) / 2;
         int srcHeight = header->biHeight < 0 ? -header->biHeight : header->biHeight;
         // One DrawDib context serves every thumbnail: opening one looks for a

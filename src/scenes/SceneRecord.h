@@ -51,3 +51,17 @@ QV_CHECK_OFFSET(ThumbHeader, biWidth, 4);
 QV_CHECK_OFFSET(ThumbHeader, biHeight, 8);
 QV_CHECK_OFFSET(ThumbHeader, biBitCount, 14);
 QV_CHECK_OFFSET(ThumbHeader, biClrImportant, 36);
+
+// The bytes of pixels a thumbnail header describes (rows padded to four
+// bytes), or 0 for a header the list cannot draw safely: only uncompressed
+// 16-, 24- and 32-bit pictures of at most 1024 x 1024 carry no colour table
+// or masks beyond the header.
+inline uint32_t ThumbnailBytes(const ThumbHeader& h)
+{
+    const uint32_t kRgb = 0;
+    if (h.biCompression != kRgb || (h.biBitCount != 16 && h.biBitCount != 24 && h.biBitCount != 32)) return 0;
+    int64_t width = h.biWidth, height = h.biHeight < 0 ? -static_cast<int64_t>(h.biHeight) : h.biHeight;
+    if (width <= 0 || width > 1024 || height <= 0 || height > 1024) return 0;
+    int64_t stride = (width * h.biBitCount + 31) / 32 * 4;
+    return static_cast<uint32_t>(stride * height);
+}

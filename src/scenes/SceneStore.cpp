@@ -77,6 +77,44 @@ void FreeAll(qv::PtrArray<SceneInfo>& queue)
     queue.RemoveAll();
 }
 
+// A thumbnail as the table keeps it.  Pixels are taken only as far as the
+// header describes them, and only when the host says it delivered at least
+// that much: a header the list cannot draw, or too few bytes for it, becomes
+// a blank 80x60 picture, so the scene keeps its place in the thumbnail table
+// and nothing is ever read past what the host handed over.
+struct ThumbnailCopy {
+    ThumbHeader* header = nullptr;
+    uint8_t* bits = nullptr;
+    uint32_t bytes = 0;
+};
+
+ThumbnailCopy CopyThumbnail(const ThumbHeader* pHeader, const void* pBits, uint32_t nDelivered)
+{
+    ThumbHeader blank;
+    std::memset(&blank, 0, sizeof blank);
+    blank.biSize = sizeof blank;
+    blank.biWidth = 80;
+    blank.biHeight = 60;
+    blank.biPlanes = 1;
+    blank.biBitCount = 24;
+    uint32_t needed = ThumbnailBytes(*pHeader);
+    bool usable = needed != 0 && nDelivered >= needed;
+    if (!usable) {
+        pHeader = &blank;
+        pBits = nullptr;  // zero-filled
+        needed = ThumbnailBytes(blank);
+    }
+    ThumbnailCopy copy;
+    OwnedBlock header(qv::CopyBlock(pHeader, sizeof(ThumbHeader)));
+    OwnedBlock bits(qv::CopyBlock(pBits, needed));
+    if (!header.Get() || !bits.Get()) return copy;
+    copy.header = static_cast<ThumbHeader*>(header.Release());
+    copy.bits = static_cast<uint8_t*>(bits.Release());
+    copy.bytes = needed;
+    if (!usable) copy.header->biSizeImage = needed;
+    return copy;
+}
+
 } // namespace
 
 void AddSceneBegin(SceneFeedTarget& dlg, const SceneInfo& scene, const ThumbHeader* pHeader, const void* pBits)
@@ -105,20 +143,23 @@ void AddSceneBegin(SceneFeedTarget& dlg, const SceneInfo& scene, const ThumbHead
             return;
         }
 
-        if (nThumbSize != 0 && pHeader && pBits) {
-            OwnedBlock header(qv::CopyBlock(pHeader, sizeof(ThumbHeader)));
-            OwnedBlock bits(qv::CopyBlock(pBits, scene.dwThumbSize));
-            if (!header.Get() || !bits.Get()) return;
-            g_arThumbHeaders.Add(static_cast<ThumbHeader*>(header.Release()));
-            g_arThumbBits.Add(static_cast<uint8_t*>(bits.Release()));
-            g_bHaveThumbnails = 1;
-        } else {
-            g_bHaveThumbnails = 0;
+        // Every block is made before anything joins the table: when memory
+        // runs short the scene is dropped whole and the tables stay in step.
+        OwnedBlock recordBlock(qv::AllocBlock(sizeof(SceneRecord)));
+        if (!recordBlock.Get()) return;
+        ThumbnailCopy thumb;
+        bool withThumbnail = nThumbSize != 0 && pHeader && pBits;
+        if (withThumbnail) {
+            thumb = CopyThumbnail(pHeader, pBits, scene.dwThumbSize);
+            if (!thumb.header || !thumb.bits) return;
+            g_arThumbHeaders.Add(thumb.header);
+            g_arThumbBits.Add(thumb.bits);
         }
+        g_bHaveThumbnails = withThumbnail ? 1 : 0;
 
-        auto* record = static_cast<SceneRecord*>(qv::AllocBlock(sizeof(SceneRecord)));
-        if (!record) return;
+        auto* record = static_cast<SceneRecord*>(recordBlock.Release());
         std::memcpy(record, &scene, sizeof scene);
+        record->dwThumbSize = thumb.bytes;  // what the table holds, whatever the host said
         record->nIndex = nCompleted;
         record->bMerged = 0;
         record->bMarked = 0;
@@ -133,9 +174,11 @@ void CompleteScene(SceneFeedTarget& dlg, const SceneInfo& scene)
     const bool quick = IsQuickScan();
     int nTable = SceneTableSize();
     if (nTable == 0) return;
-    OwnedBlock end(qv::CopyBlock(&scene, sizeof scene));
-    if (!end.Get()) return;
-    auto* pEnd = static_cast<SceneInfo*>(end.Get());
+    // Only the quick scan queues ends; a normal scan applies the host's own
+    // descriptor, so a scene's end can never be lost to a short memory.
+    OwnedBlock end(quick ? qv::CopyBlock(&scene, sizeof scene) : nullptr);
+    if (quick && !end.Get()) return;
+    const SceneInfo* pEnd = quick ? static_cast<SceneInfo*>(end.Get()) : &scene;
 
     qv::QuickScanQueues queues = Queues();
     if (quick) {
@@ -196,17 +239,15 @@ void CompleteScene(SceneFeedTarget& dlg, const SceneInfo& scene)
 
 void StoreSceneBitmap(int nPos, const ThumbHeader* pHeader, const void* pBits, int32_t nBytes)
 {
-    if (nPos < 0 || nBytes == 0 || !pHeader || !pBits) return;
+    if (nPos < 0 || nBytes <= 0 || !pHeader || !pBits) return;
     qv::SceneLockGuard lock(g_csScenes);
     if (!lock.Held()) return;
-    auto* header = static_cast<ThumbHeader*>(qv::CopyBlock(pHeader, sizeof(ThumbHeader)));
-    if (!header) return;
-    g_arThumbHeaders.Add(header);
-    auto* bits = static_cast<uint8_t*>(qv::CopyBlock(pBits, static_cast<uint32_t>(nBytes)));
-    if (!bits) return;
-    g_arThumbBits.Add(bits);
+    ThumbnailCopy thumb = CopyThumbnail(pHeader, pBits, static_cast<uint32_t>(nBytes));
+    if (!thumb.header || !thumb.bits) return;
+    g_arThumbHeaders.Add(thumb.header);
+    g_arThumbBits.Add(thumb.bits);
     g_bHaveThumbnails = 1;
-    if (SceneRecord* record = g_arScenes.GetAtOrNull(nPos)) record->dwThumbSize = static_cast<uint32_t>(nBytes);
+    if (SceneRecord* record = g_arScenes.GetAtOrNull(nPos)) record->dwThumbSize = thumb.bytes;
 }
 
 void SetCaptureFileName(SceneFeedTarget& dlg, int nNumber, const char* pszPath)
