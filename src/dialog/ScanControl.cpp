@@ -237,11 +237,13 @@ int32_t CPreScanDlg::OnClosePreScan()
     g_bForcedStop = 0;
     if (answer == IDCANCEL) return 0;
     if (m_bBusy) StopScan();
-    if (m_nSceneCount != 0) {
-        m_listScenes.DeleteAllRows();
-        FreeSceneStore();
-        m_nSceneCount = 0;
-    }
+    // The feed ends first: a host thread still feeding finishes the call it
+    // is in (the lock waits for it) and every later call finds the lock gone,
+    // so nothing can join the table after it was freed.
+    g_csScenes.Delete();
+    m_listScenes.DeleteAllRows();
+    FreeSceneStore();
+    m_nSceneCount = 0;
     UpdateData(true);  // as the OK button would: the controls' data into the members
     DestroyWindow();
     return SendHostRequest(HOSTREQ_DIALOG_CLOSED, 0);

@@ -90,6 +90,11 @@ void CPreScanDlg::MergeScenes()
             qv::FreeBlock(g_arThumbBits.GetAt(row));
             g_arThumbBits.RemoveAt(row);
         }
+        // The thumbnail headers stay in step with the pixels.
+        if (g_arThumbHeaders.IsValidIndex(row)) {
+            qv::FreeBlock(g_arThumbHeaders.GetAt(row));
+            g_arThumbHeaders.RemoveAt(row);
+        }
     }
     m_listScenes.SelectRange(first, FALSE, 0);
     m_nSceneCount -= n - 1;
@@ -134,8 +139,15 @@ void CPreScanDlg::SplitScene()
             SceneRecord* copy = CopyRecord(group->arRecords.GetAt(j));
             bool failed = false;
             uint8_t* bits = copy ? CopyBits(group->arThumbBits.GetAtOrNull(j), copy->dwThumbSize, failed) : nullptr;
-            if (!copy || failed) {
+            // Each restored scene gets a header of its own, like the one of
+            // the scene it was merged into (the group keeps pixels only).
+            const ThumbHeader* model = g_arThumbHeaders.GetAtOrNull(first);
+            ThumbHeader* header = model && copy && !failed
+                                      ? static_cast<ThumbHeader*>(qv::CopyBlock(model, sizeof(ThumbHeader)))
+                                      : nullptr;
+            if (!copy || failed || (model && !header)) {
                 qv::FreeBlock(copy);
+                qv::FreeBlock(bits);
                 break;  // out of memory: what was restored stays, counted below
             }
             {
@@ -143,6 +155,8 @@ void CPreScanDlg::SplitScene()
                 g_arScenes.InsertAt(first + j, copy);
                 int at = first + j <= g_arThumbBits.GetSize() ? first + j : g_arThumbBits.GetSize();
                 g_arThumbBits.InsertAt(at, bits);
+                int headerAt = first + j <= g_arThumbHeaders.GetSize() ? first + j : g_arThumbHeaders.GetSize();
+                if (model) g_arThumbHeaders.InsertAt(headerAt, header);
             }
             m_listScenes.SetSceneRow(first + j, first + j, TRUE, FALSE);
             if (copy->bMarked == 1) ++marks;

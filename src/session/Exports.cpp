@@ -60,6 +60,7 @@ int32_t qvPreScanUnInit(void)
 
 HWND qvShowPreScanDlg(HWND hParent)
 {
+    if (!HasSession()) return nullptr;  // no callback to ask the host anything through
     return Guarded([&]() -> HWND {
         if (g_session.pDialog) {
             delete g_session.pDialog;  // its window, if any, goes with it
