@@ -1,4 +1,5 @@
 #include "BenchSupport.h"
+#include "support/ProcessMemory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,6 +14,7 @@ Options ParseOptions(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--smoke") == 0) o.smoke = true;
         else if (std::strcmp(argv[i], "--reps") == 0 && i + 1 < argc) o.reps = std::max(1, std::atoi(argv[++i]));
+        else if (std::strcmp(argv[i], "--size") == 0 && i + 1 < argc) o.onlySize = std::max(1, std::atoi(argv[++i]));
     }
     if (o.smoke) o.reps = 1;
     return o;
@@ -67,16 +69,7 @@ void Note(const std::string& text)
 
 uint64_t PrivateBytes()
 {
-    uint64_t total = 0;
-    MEMORY_BASIC_INFORMATION mbi;
-    const char* p = nullptr;
-    while (VirtualQuery(p, &mbi, sizeof mbi) == sizeof mbi) {
-        if (mbi.State == MEM_COMMIT && mbi.Type == MEM_PRIVATE) total += mbi.RegionSize;
-        const char* next = static_cast<const char*>(mbi.BaseAddress) + mbi.RegionSize;
-        if (next <= p) break;
-        p = next;
-    }
-    return total;
+    return qvtest::PrivateBytes();
 }
 
 void PumpPending()

@@ -20,6 +20,7 @@ namespace bench {
 struct Options {
     bool smoke = false;  // the smallest size, one repetition: CI keeps the programs alive
     int reps = 5;
+    int onlySize = 0;  // --size N: that size alone (to look into one figure)
 };
 Options ParseOptions(int argc, char** argv);
 
@@ -47,9 +48,7 @@ void Report(const Row& row);
 // A line of free text under the table (how a figure was taken).
 void Note(const std::string& text);
 
-// Committed private bytes of this process: the sum of its private, committed
-// regions (the same count Windows calls private bytes; walked with
-// VirtualQuery, which Wine answers from its own address-space map).
+// Committed private bytes of this process (tests/support/ProcessMemory.h).
 uint64_t PrivateBytes();
 
 // Dispatches every message waiting on this thread.

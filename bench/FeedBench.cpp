@@ -17,6 +17,7 @@ using namespace bench;
 namespace {
 
 const int kColumns = 6;
+int g_lastRows, g_lastScenes;  // of the last normal feed, for the message when rows went missing
 // A list drawing itself after every row costs so much under Wine (about
 // 17 ms a row) that this baseline is taken on a few rows only.
 const int kNaiveRows = 200;
@@ -76,7 +77,9 @@ double FeedNormal(int scenes, uint64_t* pBytesPerScene)
     UpdateWindow(d.dlg);
     double elapsed = NowSeconds() - t0;
     if (pBytesPerScene) *pBytesPerScene = (PrivateBytes() - before) / static_cast<uint64_t>(scenes);
-    bool whole = RowCount(d.list) == scenes && qvGetCurrentSceneNumber() == scenes;
+    g_lastRows = RowCount(d.list);
+    g_lastScenes = qvGetCurrentSceneNumber();
+    bool whole = g_lastRows == scenes && g_lastScenes == scenes;
     CloseDialog(d);
     return whole ? elapsed : -1;
 }
@@ -180,6 +183,7 @@ int main(int argc, char** argv)
     Options opt = ParseOptions(argc, argv);
     InitCommonControls();
     std::vector<int> sizes = opt.smoke ? std::vector<int>{1000} : std::vector<int>{1000, 10000, 32767};
+    if (opt.onlySize) sizes = {opt.onlySize};
 
     StartSession(false);
     double perSceneAtFirst = 0;
@@ -189,7 +193,7 @@ int main(int argc, char** argv)
         for (int r = 0; r < opt.reps; ++r) {
             double s = FeedNormal(n, n == sizes.back() ? &bytesPerScene : nullptr);
             if (s < 0) {
-                std::fprintf(stderr, "feed of %d scenes lost rows\n", n);
+                std::fprintf(stderr, "feed of %d scenes lost rows: %d rows, %d scenes\n", n, g_lastRows, g_lastScenes);
                 return 1;
             }
             feed.push_back(s / n * 1e6);

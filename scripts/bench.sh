@@ -3,17 +3,23 @@
 # figure with its platform baseline from the same run and their ratio.  The
 # full run also writes the table to docs/BENCHMARKS.md.
 # Usage: bench.sh [--smoke]   (--smoke: smallest size, one repetition)
-set -euo pipefail
+set -uo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 mode="${1:-}"
 args=()
 [ "$mode" = "--smoke" ] && args=(--smoke)
 raw="$root/build/bench-results.tsv"
 : > "$raw"
+failed=0
 for exe in bench_feed bench_psf bench_paint; do
     echo "== $exe ${args[*]:-}" >&2
     QV_FORCE_XVFB=1 "$root/scripts/with-display.sh" "$root/scripts/wine-run.sh" \
-        "$root/build/win/bench/$exe.exe" "${args[@]}" 2>/dev/null | tr -d '\r' | grep -E '^(ROW|NOTE)' >> "$raw"
+        "$root/build/win/bench/$exe.exe" "${args[@]}" 2> >(grep -v fixme >&2) | tr -d '\r' | grep -E '^(ROW|NOTE)' >> "$raw"
+    status=("${PIPESTATUS[@]}")
+    if [ "${status[0]}" -ne 0 ]; then
+        echo "$exe failed (exit ${status[0]})" >&2
+        failed=1
+    fi
 done
 
 table() {
@@ -41,3 +47,4 @@ if [ "$mode" != "--smoke" ]; then
     } > "$root/docs/BENCHMARKS.md"
     echo "written to docs/BENCHMARKS.md" >&2
 fi
+exit $failed
