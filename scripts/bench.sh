@@ -44,6 +44,26 @@ if [ "$mode" != "--smoke" ]; then
         echo "platform's own cost for the comparable job measured in the same run; the ratio is of the medians."
         echo
         table
+        cat <<'NOTES'
+
+## Reading the table
+
+- **Feed baseline.** The feed's baseline is the list control's own cheapest fill: rows inserted with the
+  list's drawing held, then drawn once. The feed itself does more per scene:
+  - a row update at the begin and another at the end;
+  - copying the thumbnail;
+  - the selection;
+  - the title;
+  - the host's position request.
+
+  Its cost per scene stays flat from 1,000 to 32,767 scenes. The same list left to draw itself after every
+  row costs about 17 ms a row under Wine.
+- **Opening a file.** Opening a list file into the dialog builds one list row per scene. The reader
+  alone, the module's file code, reads faster than `CopyFileA` copies the same file.
+- **Memory per scene.** Private bytes per scene compare the process before the dialog opened with the
+  process after the scan. Heap space freed by earlier runs is reused, so the figure can come out below
+  the bytes stored.
+NOTES
     } > "$root/docs/BENCHMARKS.md"
     echo "written to docs/BENCHMARKS.md" >&2
 fi
