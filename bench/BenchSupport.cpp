@@ -153,7 +153,7 @@ SceneInfo MakeScene(int n, bool ended, uint32_t thumbSize)
     return s;
 }
 
-std::string PrepareSettings(const char* name, const std::vector<std::pair<std::string, std::string>>& values)
+std::string StartBenchSession(const char* name, const std::vector<std::pair<std::string, std::string>>& values)
 {
     char temp[MAX_PATH];
     GetTempPathA(sizeof temp, temp);
@@ -162,8 +162,17 @@ std::string PrepareSettings(const char* name, const std::vector<std::pair<std::s
     SetEnvironmentVariableA("QVPRESCAN_APPDATA", folder.c_str());
     std::string ini = folder + "\\qvPreScan.ini";
     DeleteFileA(ini.c_str());
+    WritePrivateProfileStringA("MainSec", "PSCaptureFileName", (folder + "\\Scan.avi").c_str(), ini.c_str());
     for (const auto& kv : values) WritePrivateProfileStringA("MainSec", kv.first.c_str(), kv.second.c_str(), ini.c_str());
+    PreScanInitInfo info = BenchInitInfo();
+    qvPreScanInit(&info);
     return folder;
+}
+
+HWND CreateHostWindow()
+{
+    return CreateWindowA("STATIC", "bench host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300, nullptr, nullptr,
+                         nullptr, nullptr);
 }
 
 int32_t BenchHost(int32_t code, intptr_t arg)

@@ -79,9 +79,13 @@ Thumbnail MakeThumbnail(int seed);
 // A scene descriptor: in and out as packed time codes of scene `n`.
 SceneInfo MakeScene(int n, bool ended, uint32_t thumbSize);
 
-// Points the module's settings file into a fresh folder under %TEMP% and
-// writes `values` (key, value) into its "MainSec" before the session starts.
-std::string PrepareSettings(const char* name, const std::vector<std::pair<std::string, std::string>>& values);
+// Starts a session as a host does, with the module's settings file in a
+// fresh folder under %TEMP% named `name`: `values` go into its "MainSec",
+// and the capture folder is that folder (it exists, so no question about
+// creating it comes up).  Returns the folder.
+std::string StartBenchSession(const char* name, const std::vector<std::pair<std::string, std::string>>& values = {});
+// A visible window of the host's own, to own the dialog.
+HWND CreateHostWindow();
 
 // The host's callback for benchmarks: scans start, the device is ready, and
 // everything else is refused.

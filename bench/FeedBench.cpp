@@ -31,8 +31,7 @@ struct Dialog {
 Dialog OpenScanningDialog()
 {
     Dialog d;
-    d.host = CreateWindowA("STATIC", "bench host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300, nullptr, nullptr,
-                           nullptr, nullptr);
+    d.host = CreateHostWindow();
     d.dlg = qvShowPreScanDlg(d.host);
     if (!d.dlg) return d;
     d.list = GetDlgItem(d.dlg, IDC_SCENE_LIST);
@@ -167,13 +166,7 @@ QuickRun FeedQuick(int scenes)
 
 void StartSession(bool quick)
 {
-    // The capture folder is the settings folder: it exists, so no question
-    // about creating it comes up.
-    std::string folder = PrepareSettings("qv-bench-feed", {{"QuickScanSpeed", quick ? "4" : "0"}});
-    WritePrivateProfileStringA("MainSec", "PSCaptureFileName", (folder + "\\Scan.avi").c_str(),
-                               (folder + "\\qvPreScan.ini").c_str());
-    PreScanInitInfo info = BenchInitInfo();
-    qvPreScanInit(&info);
+    StartBenchSession("qv-bench-feed", {{"QuickScanSpeed", quick ? "4" : "0"}});
 }
 
 } // namespace

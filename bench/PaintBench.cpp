@@ -47,13 +47,8 @@ int main(int argc, char** argv)
     Options opt = ParseOptions(argc, argv);
     int reps = opt.smoke ? 1 : std::max(opt.reps, 21);
     InitCommonControls();
-    std::string folder = PrepareSettings("qv-bench-paint", {});
-    WritePrivateProfileStringA("MainSec", "PSCaptureFileName", (folder + "\\Scan.avi").c_str(),
-                               (folder + "\\qvPreScan.ini").c_str());
-    PreScanInitInfo info = BenchInitInfo();
-    qvPreScanInit(&info);
-    HWND host = CreateWindowA("STATIC", "bench host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300, nullptr,
-                              nullptr, nullptr, nullptr);
+    StartBenchSession("qv-bench-paint");
+    HWND host = CreateHostWindow();
     HWND dlg = qvShowPreScanDlg(host);
     if (!dlg) return 1;
     HWND list = GetDlgItem(dlg, IDC_SCENE_LIST);

@@ -105,13 +105,8 @@ int main(int argc, char** argv)
 {
     Options opt = ParseOptions(argc, argv);
     InitCommonControls();
-    std::string folder = PrepareSettings("qv-bench-psf", {});
-    WritePrivateProfileStringA("MainSec", "PSCaptureFileName", (folder + "\\Scan.avi").c_str(),
-                               (folder + "\\qvPreScan.ini").c_str());
-    PreScanInitInfo info = BenchInitInfo();
-    qvPreScanInit(&info);
-    HWND host = CreateWindowA("STATIC", "bench host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300, nullptr,
-                              nullptr, nullptr, nullptr);
+    std::string folder = StartBenchSession("qv-bench-psf");
+    HWND host = CreateHostWindow();
     if (!qvShowPreScanDlg(host) || !g_session.pDialog) return 1;
     CPreScanDlg& dlg = *g_session.pDialog;
     PumpPending();
