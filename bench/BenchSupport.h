@@ -7,6 +7,7 @@
 #pragma once
 
 #include "qvPreScan.h"
+#include "support/Pump.h"
 
 #include <windows.h>
 
@@ -51,10 +52,9 @@ void Note(const std::string& text);
 // Committed private bytes of this process (tests/support/ProcessMemory.h).
 uint64_t PrivateBytes();
 
-// Dispatches every message waiting on this thread.
-void PumpPending();
-// Pumps until `done` returns true or `ms` elapse; false on the deadline.
-bool PumpUntil(const std::function<bool()>& done, DWORD ms);
+// The message pump of the tests (tests/support/Pump.h).
+using qvtest::PumpPending;
+using qvtest::PumpUntil;
 
 // Answers every message box of this thread with `button` while it lives.
 class MessageBoxAnswerer {
