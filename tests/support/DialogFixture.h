@@ -4,6 +4,7 @@
 #include "dialog/PreScanDlg.h"
 #include "session/Session.h"
 #include "support/ModalResponder.h"
+#include "support/Portable.h"
 #include "support/Pump.h"
 #include "support/ScriptedHost.h"
 
@@ -43,12 +44,6 @@ protected:
     ScriptedHost& Host() { return ScriptedHost::Instance(); }
     HWND m_hostWindow = nullptr;
 };
-
-// A packed time code.
-inline uint32_t Tc(int h, int m, int s, int f)
-{
-    return (uint32_t(h) << 24) | (uint32_t(m) << 16) | (uint32_t(s) << 8) | uint32_t(f);
-}
 
 // A scene descriptor as a host's detector fills it.
 SceneInfo MakeScene(uint32_t tcIn, uint32_t tcOut, uint32_t thumbBytes = 0);

@@ -8,9 +8,6 @@
 #include <cstdio>
 
 namespace qvtest {
-namespace {
-
-thread_local ModalResponder* t_active = nullptr;
 
 std::string ClassOf(HWND h)
 {
@@ -18,6 +15,10 @@ std::string ClassOf(HWND h)
     GetClassNameA(h, name, sizeof name);
     return name;
 }
+
+namespace {
+
+thread_local ModalResponder* t_active = nullptr;
 
 bool IsMessageBox(HWND h)
 {

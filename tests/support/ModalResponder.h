@@ -68,6 +68,8 @@ private:
     HWND m_watchWnd = nullptr;
 };
 
+// A window's class name ("#32770", "Button" ...).
+std::string ClassOf(HWND h);
 // The text of a message box window (its static control 0xFFFF).
 std::string MessageBoxTextOf(HWND hBox);
 
