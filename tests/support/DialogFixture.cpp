@@ -130,4 +130,14 @@ void DialogFixture::StartScan()
     ASSERT_EQ(Dlg().m_nState, PS_SCANNING);
 }
 
+void DialogFixture::OpenWithScenes(int n)
+{
+    OpenDialog();
+    StartScan();
+    for (int i = 0; i < n; ++i) FeedScene(Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0));
+    PressKey(VK_ESCAPE);
+    ASSERT_EQ(Dlg().m_nState, PS_IDLE);
+    ASSERT_EQ(RowCount(), n);
+}
+
 } // namespace qvtest

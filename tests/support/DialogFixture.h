@@ -40,6 +40,9 @@ protected:
     void FeedScene(uint32_t tcIn, uint32_t tcOut, bool withThumbnail = true);
     // Starts a scan through the Start button; the host accepts.
     void StartScan();
+    // Opens the dialog, scans `n` scenes (scene i runs from 0:00:10*i:00 to
+    // five seconds later, thumbnails included) and stops with Escape.
+    void OpenWithScenes(int n);
 
     ScriptedHost& Host() { return ScriptedHost::Instance(); }
     HWND m_hostWindow = nullptr;
