@@ -39,30 +39,22 @@ void DialogFixture::TearDown()
 
 void DialogFixture::OpenDialog()
 {
-    HWND h = qvShowPreScanDlg(m_hostWindow);
-    ASSERT_NE(h, nullptr);
+    ASSERT_NE(qvShowPreScanDlg(m_hostWindow), nullptr);
     PumpPending();  // the posted device check
 }
 
 std::string DialogFixture::Title()
 {
     char text[1024] = "";
-    GetWindowTextA(Wnd(), text, sizeof text);
-    return text;
+    return GetWindowTextA(Wnd(), text, sizeof text) ? text : "";
 }
 
-int DialogFixture::RowCount()
-{
-    return static_cast<int>(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETITEMCOUNT, 0, 0));
-}
+int DialogFixture::RowCount() { return static_cast<int>(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETITEMCOUNT, 0, 0)); }
 
 std::string DialogFixture::CellText(int row, int column)
 {
     char text[1024] = "";
-    LVITEMA item = {};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = sizeof text;
+    LVITEMA item = {0, 0, column, 0, 0, text, sizeof text};
     SendMessageA(Item(IDC_SCENE_LIST), LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     return text;
 }
@@ -82,8 +74,7 @@ void DialogFixture::PressKey(UINT vk)
 
 SceneInfo MakeScene(uint32_t tcIn, uint32_t tcOut, uint32_t thumbBytes)
 {
-    SceneInfo s;
-    std::memset(&s, 0, sizeof s);
+    SceneInfo s = {};
     s.dwTimeCodeIn = tcIn;
     s.dwTimeCodeOut = tcOut;
     s.stRecorded = {2003, 7, 5, 4, 15, 6, 9, 0};
@@ -95,23 +86,12 @@ SceneInfo MakeScene(uint32_t tcIn, uint32_t tcOut, uint32_t thumbBytes)
 
 Thumbnail MakeThumbnail(uint8_t r, uint8_t g, uint8_t b, int width, int height)
 {
-    Thumbnail t;
-    std::memset(&t.header, 0, sizeof t.header);
-    t.header.biSize = sizeof t.header;
-    t.header.biWidth = width;
-    t.header.biHeight = height;
-    t.header.biPlanes = 1;
-    t.header.biBitCount = 24;
     int stride = (width * 3 + 3) & ~3;
-    t.bits.assign(static_cast<size_t>(stride) * height, 0);
+    Thumbnail t = {{sizeof(BITMAPINFOHEADER), width, height, 1, 24, BI_RGB, DWORD(stride * height)}, {}};
+    t.bits.assign(t.header.biSizeImage, 0);
+    const uint8_t pixel[3] = {b, g, r};
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            uint8_t* p = &t.bits[static_cast<size_t>(y) * stride + x * 3];
-            p[0] = b;
-            p[1] = g;
-            p[2] = r;
-        }
-    t.header.biSizeImage = static_cast<DWORD>(t.bits.size());
+        for (int x = 0; x < width; ++x) std::memcpy(&t.bits[size_t(y) * stride + x * 3], pixel, 3);
     return t;
 }
 
@@ -138,6 +118,24 @@ void DialogFixture::OpenWithScenes(int n)
     PressKey(VK_ESCAPE);
     ASSERT_EQ(Dlg().m_nState, PS_IDLE);
     ASSERT_EQ(RowCount(), n);
+}
+
+void DialogFixture::ClickCell(int row, int column, bool shift)
+{
+    BYTE keys[256];
+    GetKeyboardState(keys);
+    keys[VK_SHIFT] = shift ? 0x80 : 0;
+    SetKeyboardState(keys);
+    HWND list = Item(IDC_SCENE_LIST);
+    SendMessageA(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+    RECT rc = {};
+    Dlg().m_listScenes.GetCellRect(row, column, LVIR_BOUNDS, rc);
+    LPARAM at = MAKELPARAM((rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2);
+    SendMessageA(list, WM_LBUTTONDOWN, MK_LBUTTON | (shift ? MK_SHIFT : 0), at);
+    SendMessageA(list, WM_LBUTTONUP, shift ? MK_SHIFT : 0, at);
+    keys[VK_SHIFT] = 0;
+    SetKeyboardState(keys);
+    PumpPending();
 }
 
 } // namespace qvtest

@@ -1,4 +1,5 @@
 // A pre-scan dialog opened the way a host opens it, for tests that drive it.
+// Where tests live and how they are written: tests/support/README.md.
 #pragma once
 
 #include "dialog/PreScanDlg.h"
@@ -43,6 +44,17 @@ protected:
     // Opens the dialog, scans `n` scenes (scene i runs from 0:00:10*i:00 to
     // five seconds later, thumbnails included) and stops with Escape.
     void OpenWithScenes(int n);
+    // Clicks the middle of a cell of the scene list (scrolled into view
+    // first), with Shift held if asked: column 0 is the mark box, column 2
+    // selects the row.
+    void ClickCell(int row, int column, bool shift = false);
+    void MarkRow(int row) { ClickCell(row, 0); }
+    void SelectRow(int row) { ClickCell(row, 2); }
+    void SelectRows(int from, int to)
+    {
+        SelectRow(from);
+        if (to != from) ClickCell(to, 2, true);
+    }
 
     ScriptedHost& Host() { return ScriptedHost::Instance(); }
     HWND m_hostWindow = nullptr;

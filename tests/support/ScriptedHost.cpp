@@ -1,23 +1,18 @@
 #include "support/ScriptedHost.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace qvtest {
 namespace {
 
-size_t RecordSize(int32_t code)
-{
-    switch (code) {
-    case HOSTREQ_START_SCAN: return sizeof(ScanRequest);
-    case HOSTREQ_CAPTURE_SCENES: return sizeof(CaptureRequest);
-    case HOSTREQ_PLAY_SPAN: return sizeof(SceneSpan);
-    case HOSTREQ_SEEK_TIMECODE:
-    case HOSTREQ_SEEK_POSITION: return sizeof(uint32_t);
-    case HOSTREQ_CHOOSE_LIBRARY: return sizeof(LibraryRequest);
-    case HOSTREQ_GET_DEVICE_STATUS: return sizeof(DeviceStatus);
-    default: return 0;  // 2 carries a number; 5 and 9 carry nothing; 10's value is the host's to fill
-    }
-}
+// The size of the record each request points at.  2 carries a number, 5 and
+// 9 carry nothing, and 10's value is the host's to fill.
+const std::map<int32_t, size_t> kRecordSize = {
+    {HOSTREQ_START_SCAN, sizeof(ScanRequest)},  {HOSTREQ_CAPTURE_SCENES, sizeof(CaptureRequest)},
+    {HOSTREQ_PLAY_SPAN, sizeof(SceneSpan)},     {HOSTREQ_SEEK_TIMECODE, sizeof(uint32_t)},
+    {HOSTREQ_SEEK_POSITION, sizeof(uint32_t)},  {HOSTREQ_CHOOSE_LIBRARY, sizeof(LibraryRequest)},
+    {HOSTREQ_GET_DEVICE_STATUS, sizeof(DeviceStatus)}};
 
 } // namespace
 
@@ -48,9 +43,7 @@ void ScriptedHost::Reset()
 
 int ScriptedHost::Count(int32_t code) const
 {
-    int n = 0;
-    for (const auto& r : m_requests) n += r.code == code;
-    return n;
+    return static_cast<int>(std::count_if(m_requests.begin(), m_requests.end(), [&](auto& r) { return r.code == code; }));
 }
 
 const RecordedRequest* ScriptedHost::Last(int32_t code) const
@@ -69,31 +62,25 @@ std::vector<int32_t> ScriptedHost::Codes() const
 
 int32_t ScriptedHost::Handle(int32_t code, intptr_t arg)
 {
-    RecordedRequest r;
-    r.code = code;
-    r.arg = arg;
-    size_t size = RecordSize(code);
-    if (size && arg) {
-        const auto* p = reinterpret_cast<const uint8_t*>(arg);
-        r.record.assign(p, p + size);
-    }
+    RecordedRequest r{code, arg, {}, {}};
+    auto size = kRecordSize.find(code);
+    if (size != kRecordSize.end() && arg)
+        r.record.assign(reinterpret_cast<const uint8_t*>(arg), reinterpret_cast<const uint8_t*>(arg) + size->second);
     if (code == HOSTREQ_CAPTURE_SCENES && arg) {
         const auto* req = reinterpret_cast<const CaptureRequest*>(arg);
         for (const SceneSpan* s = req->pFirstSpan; s && r.spans.size() < 100000; s = s->pNext) r.spans.push_back(*s);
     }
     m_requests.push_back(std::move(r));
-    auto it = m_answers.find(code);
     // The answer may run nested dialog work; copy it so a re-scripting inside
     // it cannot pull the function from under the call.
-    if (it == m_answers.end()) return 0;
-    Answer answer = it->second;
+    auto it = m_answers.find(code);
+    Answer answer = it == m_answers.end() ? Answer([](intptr_t) { return 0; }) : it->second;
     return answer(arg);
 }
 
 PreScanInitInfo MakeInitInfo(const char* ext, int32_t tv, const char* helpFile)
 {
-    PreScanInitInfo info;
-    std::memset(&info, 0, sizeof info);
+    PreScanInitInfo info = {};
     info.hHost = reinterpret_cast<void*>(0x1234);
     info.pfnHostRequest = &ScriptedHost::Proc;
     std::strncpy(info.szCaptureExt, ext, sizeof info.szCaptureExt - 1);

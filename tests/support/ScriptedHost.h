@@ -6,6 +6,7 @@
 #include "qvPreScan.h"
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <vector>
@@ -37,6 +38,16 @@ public:
     int Count(int32_t code) const;
     const RecordedRequest* Last(int32_t code) const;
     std::vector<int32_t> Codes() const;
+    // The record the last request `code` carried, as the module sent it
+    // (all zero when there was none).
+    template <class T> T LastRecord(int32_t code) const
+    {
+        T value;
+        std::memset(&value, 0, sizeof value);
+        const RecordedRequest* r = Last(code);
+        if (r && r->record.size() >= sizeof value) std::memcpy(&value, r->record.data(), sizeof value);
+        return value;
+    }
 
 private:
     int32_t Handle(int32_t code, intptr_t arg);

@@ -35,15 +35,8 @@ const std::string& AppDataDir()
     return dir;
 }
 
-std::string IniPath()
-{
-    return AppDataDir() + "qvPreScan.ini";
-}
-
-void DeleteIni()
-{
-    DeleteFileA(IniPath().c_str());
-}
+std::string IniPath() { return AppDataDir() + "qvPreScan.ini"; }
+void DeleteIni() { DeleteFileA(IniPath().c_str()); }
 
 std::string ReadIni(const char* key)
 {
@@ -52,10 +45,7 @@ std::string ReadIni(const char* key)
     return value;
 }
 
-void WriteIni(const char* key, const char* value)
-{
-    WritePrivateProfileStringA("MainSec", key, value, IniPath().c_str());
-}
+void WriteIni(const char* key, const char* value) { WritePrivateProfileStringA("MainSec", key, value, IniPath().c_str()); }
 
 std::string MakeTempDir(const char* name)
 {
