@@ -23,6 +23,8 @@ TEST_F(DialogLifeTest, OpensReadyToScan)
                    IDC_GOTO, IDC_MERGE_SCENES, IDC_SPLIT_SCENE})
         EXPECT_FALSE(Enabled(id)) << id;
     EXPECT_TRUE(Visible(IDC_MERGE_SCENES) && !Visible(IDC_SPLIT_SCENE) && !Visible(IDC_PREVIEW_VIDEO));
+    EXPECT_EQ(SendMessageA(Item(IDC_TAPE_NAME), EM_GETLIMITTEXT, 0, 0), 100);  // what their fields hold
+    EXPECT_EQ(SendMessageA(Item(IDC_TAPE_DESCRIPTION), EM_GETLIMITTEXT, 0, 0), 520);
     EXPECT_EQ(SendMessageA(Item(IDC_SCAN_METHOD), CB_GETCOUNT, 0, 0), 3);
     EXPECT_EQ(SendMessageA(Item(IDC_SCAN_METHOD), CB_GETCURSEL, 0, 0), 2);  // the setting's method
     std::string list = std::string(g_session.szSavePSFDir) + "\\" + qv::LoadResString(IDS_DEFAULT_LIST_NAME) + ".psf";
