@@ -109,13 +109,18 @@ TEST_F(SceneListFileTest, SaveWritesTheListAndRemembersTheFolder)
     EXPECT_TRUE(Enabled(IDC_START_SCAN));  // controls back after the dialog
 }
 
-TEST_F(SceneListFileTest, CancelledSaveWritesNothing)
+TEST_F(SceneListFileTest, CancelledSaveOrOpenChangesNothing)
 {
     ScanScenes(2);
     std::string before = g_session.szSceneListFile;
     Through(IDC_SAVE_LIST, "save dialog", CancelFileDialog);
     EXPECT_EQ(std::string(g_session.szSceneListFile), before);
     EXPECT_EQ(Dlg().m_bModified, 1);
+    ModalResponder responder;
+    responder.ExpectMessageRes(IDS_ASK_SAVE_CHANGES, IDCANCEL);
+    Click(IDC_OPEN_LIST);
+    responder.Verify();
+    EXPECT_EQ(qvGetCurrentSceneNumber(), 2);
 }
 
 TEST_F(SceneListFileTest, OpenReplacesTheListWithTheFile)
@@ -145,16 +150,6 @@ TEST_F(SceneListFileTest, OpenReplacesTheListWithTheFile)
     GetWindowTextA(Item(IDC_TAPE_NAME), name, sizeof name);
     EXPECT_STREQ(name, "Holiday");
     EXPECT_EQ(ReadIni("ProductionLibFolder"), std::string(g_session.szProductionLibFolder));
-}
-
-TEST_F(SceneListFileTest, CancelAtTheSaveQuestionOpensNothing)
-{
-    ScanScenes(2);
-    ModalResponder responder;
-    responder.ExpectMessageRes(IDS_ASK_SAVE_CHANGES, IDCANCEL);
-    Click(IDC_OPEN_LIST);
-    responder.Verify();
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 2);
 }
 
 // A saved one-scene list, changed on disk and opened again.
@@ -257,7 +252,6 @@ TEST_F(SceneListFileTest, OpenDialogPreviewsTheSelectedTape)
     Save(m_dir + "\\lake.psf");
     std::string other = m_dir + "\\notes.txt";
     WriteBytes(other, {'n', 'o'});
-    Dlg().m_bModified = 0;
     std::string previewName, previewDescription, afterOther;
     bool readOnly = false;
     ModalResponder responder;
