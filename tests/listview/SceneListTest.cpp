@@ -10,6 +10,7 @@
 
 #include <commctrl.h>
 #include <cstring>
+#include <functional>
 
 using namespace qvtest;
 
@@ -17,15 +18,6 @@ namespace {
 
 class SceneListTest : public DialogFixture {
 protected:
-    // Opens the dialog with `n` scanned scenes and the scan stopped.
-    void OpenWithScenes(int n)
-    {
-        OpenDialog();
-        StartScan();
-        for (int i = 0; i < n; ++i) FeedScene(Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0));
-        PressKey(VK_ESCAPE);
-        ASSERT_EQ(Dlg().m_nState, PS_IDLE);
-    }
     HWND List() { return Item(IDC_SCENE_LIST); }
     RECT Cell(int row, int column)
     {
@@ -55,6 +47,7 @@ protected:
         ReleaseDC(List(), dc);
         return c;
     }
+    int Selected(int& first, int& last) { return Dlg().m_listScenes.GetSelRange(first, last); }
     LRESULT HeaderChange(UINT code, int column, int width)
     {
         HWND header = reinterpret_cast<HWND>(SendMessageA(List(), LVM_GETHEADER, 0, 0));
@@ -85,147 +78,112 @@ protected:
 
 TEST_F(SceneListTest, FilesColumnShowsFilesWithAnExtension)
 {
-    OpenWithScenes(4);
     std::string captured = qv::LoadResString(IDS_CAPTURED_FILE_PREFIX);
     std::string scanned = qv::LoadResString(IDS_SCENE_FILE_PREFIX);
-    std::strcpy(g_arScenes.GetAt(0)->szCaptureFile, "C:\\cap\\a.avi");
-    std::strcpy(g_arScenes.GetAt(0)->szSceneFile, "C:\\scan\\a.dv");
-    std::strcpy(g_arScenes.GetAt(1)->szCaptureFile, "  C:\\cap\\b.avi  ");
-    std::strcpy(g_arScenes.GetAt(2)->szCaptureFile, "C:\\cap\\noextension");
-    std::strcpy(g_arScenes.GetAt(2)->szSceneFile, "C:\\scan\\c.dv");
-    for (int i = 0; i < 4; ++i) Dlg().m_listScenes.SetSceneRow(i, i, FALSE, FALSE);
-    EXPECT_EQ(CellText(0, 5), captured + "C:\\cap\\a.avi\r\n" + scanned + "C:\\scan\\a.dv");
-    EXPECT_EQ(CellText(1, 5), captured + "C:\\cap\\b.avi");
+    struct Case {
+        const char *capture, *scene;
+        std::string shown;
+    } cases[] = {
+        {"C:\\cap\\a.avi", "C:\\scan\\a.dv", captured + "C:\\cap\\a.avi\r\n" + scanned + "C:\\scan\\a.dv"},
+        {"  C:\\cap\\b.avi  ", "", captured + "C:\\cap\\b.avi"},
+        {"C:\\cap\\noextension", "C:\\scan\\c.dv", scanned + "C:\\scan\\c.dv"},
+        {"", "", ""},
+    };
+    OpenWithScenes(4);
+    for (int i = 0; i < 4; ++i) {
+        std::strcpy(g_arScenes.GetAt(i)->szCaptureFile, cases[i].capture);
+        std::strcpy(g_arScenes.GetAt(i)->szSceneFile, cases[i].scene);
+        Dlg().m_listScenes.SetSceneRow(i, i, FALSE, FALSE);
+        EXPECT_EQ(CellText(i, 5), cases[i].shown) << i;
+    }
     EXPECT_STREQ(g_arScenes.GetAt(1)->szCaptureFile, "C:\\cap\\b.avi");  // trimmed in place
-    EXPECT_EQ(CellText(2, 5), scanned + "C:\\scan\\c.dv");
-    EXPECT_EQ(CellText(3, 5), "");
     g_arScenes.GetAt(3)->stRecorded = {};
     Dlg().m_listScenes.SetSceneRow(3, 3, FALSE, FALSE);
     EXPECT_EQ(CellText(3, 3), qv::LoadResString(IDS_UNKNOWN_DATE));
 }
 
-TEST_F(SceneListTest, CommentColumnCapsAt160PixelsForGood)
+// Each case clicks rows of three (Shift with a negative number: -1 is row 0)
+// or elsewhere, after a plain click on row 1.
+TEST_F(SceneListTest, ClicksAndTheRangesTheySelect)
 {
-    OpenWithScenes(2);
-    std::strcpy(g_arScenes.GetAt(0)->szComment, std::string(120, 'W').c_str());
-    Dlg().m_listScenes.SetSceneRow(0, 0, FALSE, FALSE);
-    EXPECT_EQ(SendMessageA(List(), LVM_GETCOLUMNWIDTH, 4, 0), 160);
-    EXPECT_EQ(g_bCommentColumnCapped, 1);
-    std::strcpy(g_arScenes.GetAt(0)->szComment, "short");
-    Dlg().m_listScenes.SetSceneRow(0, 0, FALSE, FALSE);
-    EXPECT_EQ(SendMessageA(List(), LVM_GETCOLUMNWIDTH, 4, 0), 160);
-}
-
-TEST_F(SceneListTest, ClicksSelectRowsAndShiftClicksRanges)
-{
-    OpenWithScenes(6);
-    ClickRow(3);
-    int first, last;
-    EXPECT_FALSE(Dlg().m_listScenes.GetSelRange(first, last));
-    EXPECT_EQ(first, 3);
-    EXPECT_EQ(last, 3);
-    EXPECT_TRUE(Enabled(IDC_PREVIEW));
-    EXPECT_TRUE(Enabled(IDC_GOTO));
-    ClickRow(1, true);  // Shift+click above the anchor
-    EXPECT_TRUE(Dlg().m_listScenes.GetSelRange(first, last));
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(last, 3);
-    EXPECT_EQ(SendMessageA(List(), LVM_GETSELECTEDCOUNT, 0, 0), 3);
-    EXPECT_TRUE(Enabled(IDC_MERGE_SCENES));
-    EXPECT_FALSE(Enabled(IDC_PREVIEW));
-    ClickRow(3, true);  // Shift+click on the anchor: that row alone
-    EXPECT_FALSE(Dlg().m_listScenes.GetSelRange(first, last));
-    EXPECT_EQ(first, 3);
-    EXPECT_EQ(last, 3);
-}
-
-TEST_F(SceneListTest, ClicksOutsideRowsAndRightClicksChangeNothing)
-{
-    OpenWithScenes(2);
-    ClickRow(1);
-    RECT client;
-    GetClientRect(List(), &client);
-    ClickAt({(client.left + client.right) / 2, client.bottom - 3});
-    int first, last;
-    Dlg().m_listScenes.GetSelRange(first, last);
-    EXPECT_EQ(first, 1);
-    POINT pt = Center(Cell(0, 2));
-    SendMessageA(List(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(pt.x, pt.y));
-    Dlg().m_listScenes.GetSelRange(first, last);
-    EXPECT_EQ(first, 1);
+    const int kBelowRows = 100, kRight = 200;
+    struct Case {
+        const char* what;
+        std::vector<int> clicks;
+        int first, last;
+    } cases[] = {
+        {"one row", {}, 1, 1},
+        {"Shift above the anchor", {-1}, 0, 1},
+        {"Shift below, then above", {-3, -1}, 0, 1},
+        {"Shift on the anchor: that row alone", {-1, -2}, 1, 1},
+        {"a plain click moves the anchor", {2, -1}, 0, 2},
+        {"below the rows: nothing changes", {kBelowRows}, 1, 1},
+        {"right button: nothing changes", {kRight}, 1, 1},
+    };
+    OpenWithScenes(3);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ClickRow(1);
+        for (int click : c.clicks) {
+            RECT client;
+            GetClientRect(List(), &client);
+            POINT pt = Center(Cell(0, 2));
+            if (click == kBelowRows) ClickAt({pt.x, client.bottom - 3});
+            else if (click == kRight) SendMessageA(List(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(pt.x, pt.y));
+            else ClickRow(click < 0 ? -click - 1 : click, click < 0);
+        }
+        int first, last;
+        EXPECT_EQ(Selected(first, last), c.first != c.last);
+        EXPECT_EQ(first, c.first);
+        EXPECT_EQ(last, c.last);
+        EXPECT_EQ(SendMessageA(List(), LVM_GETSELECTEDCOUNT, 0, 0), c.last - c.first + 1);
+        EXPECT_EQ(Enabled(IDC_MERGE_SCENES), c.first != c.last);
+        EXPECT_EQ(Enabled(IDC_PREVIEW), c.first == c.last);
+        EXPECT_EQ(Enabled(IDC_GOTO), c.first == c.last);
+    }
 }
 
 TEST_F(SceneListTest, ClickInTheCheckBoxTogglesTheMark)
 {
     OpenWithScenes(3);
     POINT box = Center(Cell(1, 0));
-    ClickAt(box);
-    EXPECT_EQ(g_arScenes.GetAt(1)->bMarked, 1);
-    EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, 1);
-    EXPECT_TRUE(Enabled(IDC_CAPTURE));
-    PixelAt(box);  // a later repaint does not toggle it again
-    EXPECT_EQ(g_arScenes.GetAt(1)->bMarked, 1);
-    EXPECT_EQ(PixelAt(box), RGB(0, 0, 0));  // the tick
-    ClickAt(box);
+    for (int marked : {1, 0}) {
+        ClickAt(box);
+        EXPECT_EQ(PixelAt(box), marked ? RGB(0, 0, 0) : RGB(255, 255, 255));  // a tick or an empty box
+        EXPECT_EQ(g_arScenes.GetAt(1)->bMarked, marked);  // the repaint did not toggle it again
+        EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, marked);
+        EXPECT_EQ(Enabled(IDC_CAPTURE), marked == 1);
+    }
+    ClickAt({Cell(1, 0).left + 1, Cell(1, 0).top + 2});  // column 0, outside the box
     EXPECT_EQ(g_arScenes.GetAt(1)->bMarked, 0);
-    EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, 0);
-    EXPECT_FALSE(Enabled(IDC_CAPTURE));
-    EXPECT_EQ(PixelAt(box), RGB(255, 255, 255));  // an empty box
-    RECT cell = Cell(1, 0);
-    ClickAt({cell.left + 1, cell.top + 2});  // column 0, outside the box
-    EXPECT_EQ(g_arScenes.GetAt(1)->bMarked, 0);
+    g_arScenes.GetAt(2)->bMarked = 7;  // from a damaged list file
+    EXPECT_EQ(PixelAt(Center(Cell(2, 0))), RGB(255, 255, 255));
+    EXPECT_EQ(g_arScenes.GetAt(2)->bMarked, 0);
 }
 
-TEST_F(SceneListTest, StrangeMarkValuesAreDrawnAndKeptUnmarked)
-{
-    OpenWithScenes(1);
-    g_arScenes.GetAt(0)->bMarked = 7;
-    EXPECT_EQ(PixelAt(Center(Cell(0, 0))), RGB(255, 255, 255));
-    EXPECT_EQ(g_arScenes.GetAt(0)->bMarked, 0);
-}
-
-TEST_F(SceneListTest, ThumbnailIsDrawnAt80By60InItsCell)
+TEST_F(SceneListTest, ThumbnailsAndTheSelectedRowAsDrawn)
 {
     OpenDialog();
     StartScan();
-    Thumbnail thumb = MakeThumbnail(0, 0, 255, 40, 30);  // a smaller source is scaled up
-    SceneInfo begin = MakeScene(Tc(0, 0, 1, 0), 0, static_cast<uint32_t>(thumb.bits.size()));
-    qvSetSceneDataBegin(&begin, &thumb.header, thumb.bits.data());
-    SceneInfo end = MakeScene(Tc(0, 0, 1, 0), Tc(0, 0, 2, 0));
-    qvSetSceneDataEnd(&end);
-    PressKey(VK_ESCAPE);
-    Dlg().m_listScenes.ClearSelection();
-    RECT cell = Cell(0, 1);
-    POINT c = Center(cell);
-    EXPECT_EQ(PixelAt(c), RGB(0, 0, 255));
-    EXPECT_EQ(PixelAt({c.x - 39, c.y - 29}), RGB(0, 0, 255));
-    EXPECT_EQ(PixelAt({c.x + 39, c.y + 29}), RGB(0, 0, 255));
-    if (c.x - 41 > cell.left) {
-        EXPECT_NE(PixelAt({c.x - 41, c.y}), RGB(0, 0, 255));  // exactly 80 wide
+    Thumbnail thumb = MakeThumbnail(0, 0, 255, 40, 30);  // a smaller source is scaled up to 80x60
+    for (int i = 0; i < 2; ++i) {
+        SceneInfo begin = MakeScene(Tc(0, 0, i, 0), 0, static_cast<uint32_t>(thumb.bits.size()));
+        qvSetSceneDataBegin(&begin, &thumb.header, thumb.bits.data());
+        SceneInfo end = MakeScene(Tc(0, 0, i, 0), Tc(0, 0, i, 9));
+        qvSetSceneDataEnd(&end);
     }
-    g_bHaveThumbnails = 0;  // while the last scene had none, none is drawn
-    EXPECT_NE(PixelAt(c), RGB(0, 0, 255));
-}
-
-TEST_F(SceneListTest, SelectedRowIsHighlightedAcrossItsCells)
-{
-    OpenWithScenes(2);
+    PressKey(VK_ESCAPE);
     ClickRow(0);
-    RECT date = Cell(0, 5);
-    EXPECT_EQ(PixelAt({date.right - 3, date.bottom - 3}), GetSysColor(COLOR_HIGHLIGHT));
-    RECT mark = Cell(0, 0);
-    EXPECT_EQ(PixelAt({mark.left + 2, mark.bottom - 3}), GetSysColor(COLOR_HIGHLIGHT));  // the mark cell too
-    RECT other = Cell(1, 5);
-    EXPECT_EQ(PixelAt({other.right - 3, other.bottom - 3}), RGB(255, 255, 255));
-}
-
-TEST_F(SceneListTest, EmptyListShowsItsMessageOnWhite)
-{
-    OpenDialog();
-    RECT client;
-    GetClientRect(List(), &client);
-    EXPECT_EQ(RowCount(), 0);
-    EXPECT_EQ(PixelAt({client.right - 4, client.bottom - 4}), RGB(255, 255, 255));
+    const COLORREF blue = RGB(0, 0, 255), highlight = GetSysColor(COLOR_HIGHLIGHT);
+    POINT c = Center(Cell(1, 1));
+    for (POINT p : {c, POINT{c.x - 39, c.y - 29}, POINT{c.x + 39, c.y + 29}}) EXPECT_EQ(PixelAt(p), blue);
+    if (c.x - 41 > Cell(1, 1).left) EXPECT_NE(PixelAt({c.x - 41, c.y}), blue);  // exactly 80 wide
+    EXPECT_NE(PixelAt(Center(Cell(1, 2))), blue);  // in its own column only
+    EXPECT_EQ(PixelAt({Cell(0, 5).right - 3, Cell(0, 5).bottom - 3}), highlight);
+    EXPECT_EQ(PixelAt({Cell(0, 0).left + 2, Cell(0, 0).bottom - 3}), highlight);  // the mark cell too
+    EXPECT_EQ(PixelAt({Cell(1, 5).right - 3, Cell(1, 5).bottom - 3}), RGB(255, 255, 255));
+    g_bHaveThumbnails = 0;  // while the last scene had none, none is drawn
+    EXPECT_NE(PixelAt(c), blue);
 }
 
 TEST_F(SceneListTest, HeaderKeepsItsRules)
@@ -238,98 +196,58 @@ TEST_F(SceneListTest, HeaderKeepsItsRules)
     EXPECT_EQ(HeaderChange(HDN_ITEMCHANGINGW, 3, 15), TRUE);  // no column of 15 or less
     EXPECT_EQ(HeaderChange(HDN_ITEMCHANGINGW, 3, 16), FALSE);
     EXPECT_EQ(HeaderChange(HDN_TRACKA, 2, 4), TRUE);
+    std::strcpy(g_arScenes.GetAt(0)->szComment, std::string(120, 'W').c_str());
+    Dlg().m_listScenes.SetSceneRow(0, 0, FALSE, FALSE);
+    std::strcpy(g_arScenes.GetAt(0)->szComment, "short");  // once narrowed to 160, it stays so
+    Dlg().m_listScenes.SetSceneRow(0, 0, FALSE, FALSE);
+    EXPECT_EQ(SendMessageA(List(), LVM_GETCOLUMNWIDTH, 4, 0), 160);
 }
 
-TEST_F(SceneListTest, ScrollingWaitsWhileBusy)
+// Every way an edit ends, and what becomes of the text typed.
+TEST_F(SceneListTest, CommentEditorEndsKeepingOrDiscarding)
 {
-    OpenWithScenes(12);
-    Dlg().m_nState = PS_SCANNING;  // vertical scrolling still follows the scan
-    int top = static_cast<int>(SendMessageA(List(), LVM_GETTOPINDEX, 0, 0));
-    ASSERT_GT(top, 0);  // the scan left the list at its last row
-    SendMessageA(List(), WM_VSCROLL, SB_LINEUP, 0);
-    EXPECT_EQ(SendMessageA(List(), LVM_GETTOPINDEX, 0, 0), top - 1);
-    Dlg().m_nState = PS_SEEKING;
-    SendMessageA(List(), WM_VSCROLL, SB_LINEUP, 0);
-    EXPECT_EQ(SendMessageA(List(), LVM_GETTOPINDEX, 0, 0), top - 1);
-    Dlg().m_nState = PS_IDLE;
-}
-
-TEST_F(SceneListTest, CommentEditorKeepsOnReturnAndDiscardsOnEscape)
-{
-    OpenWithScenes(3);
-    std::strcpy(g_arScenes.GetAt(1)->szComment, "old");
-    Dlg().m_listScenes.SetSceneRow(1, 1, FALSE, FALSE);
-    Dlg().m_bModified = 0;
-    OpenEditor(1);
-    ASSERT_NE(Editor(), nullptr);
-    EXPECT_EQ(GetDlgCtrlID(Editor()->m_hWnd), IDC_COMMENT_EDIT);
-    EXPECT_EQ(GetFocus(), Editor()->m_hWnd);
-    DWORD selStart = 0, selEnd = 0;
-    SendMessageA(Editor()->m_hWnd, EM_GETSEL, reinterpret_cast<WPARAM>(&selStart), reinterpret_cast<LPARAM>(&selEnd));
-    EXPECT_EQ(selStart, 0u);
-    EXPECT_EQ(selEnd, 3u);  // the whole comment selected
-    TypeIntoEditor("Beach at sunset");
-    PostMessageA(Editor()->m_hWnd, WM_KEYDOWN, VK_RETURN, 1);  // through the dialog's key filter
-    PumpPending();
-    EXPECT_EQ(Editor(), nullptr);
-    EXPECT_STREQ(g_arScenes.GetAt(1)->szComment, "Beach at sunset");
-    EXPECT_EQ(CellText(1, 4), "Beach at sunset");
-    EXPECT_EQ(Dlg().m_bModified, 1);
-    EXPECT_TRUE(IsWindow(Wnd()));  // Return did not reach the dialog
-
-    OpenEditor(1);
-    TypeIntoEditor("lost");
-    PostMessageA(Editor()->m_hWnd, WM_KEYDOWN, VK_ESCAPE, 1);
-    PumpPending();
-    EXPECT_EQ(Editor(), nullptr);
-    EXPECT_STREQ(g_arScenes.GetAt(1)->szComment, "Beach at sunset");
-    EXPECT_TRUE(IsWindow(Wnd()));  // Escape did not close the dialog
-}
-
-TEST_F(SceneListTest, CommentEditorGrowsAndNeverHoldsMoreThanTheField)
-{
-    OpenWithScenes(2);
-    OpenEditor(0);
-    ASSERT_NE(Editor(), nullptr);
-    RECT before;
-    GetWindowRect(Editor()->m_hWnd, &before);
-    TypeIntoEditor(std::string(600, 'x'));
-    RECT after;
-    GetWindowRect(Editor()->m_hWnd, &after);
-    EXPECT_GT(after.right - after.left, before.right - before.left);
-    EXPECT_GE(after.bottom - after.top, before.bottom - before.top);
-    RECT list;
-    GetWindowRect(List(), &list);
-    EXPECT_LE(after.right, list.right);
-    EXPECT_EQ(GetWindowTextLengthA(Editor()->m_hWnd), CInCommentEdit::kMaxChars);
-    SendMessageA(Editor()->m_hWnd, EM_SETSEL, 0, -1);
-    SendMessageA(Editor()->m_hWnd, WM_CHAR, 'y', 1);  // deleting text never shrinks it
-    RECT shrunk;
-    GetWindowRect(Editor()->m_hWnd, &shrunk);
-    EXPECT_EQ(shrunk.right - shrunk.left, after.right - after.left);
-    SetFocus(List());  // focus elsewhere keeps the text
-    PumpPending();
-    EXPECT_EQ(Editor(), nullptr);
-    EXPECT_STREQ(g_arScenes.GetAt(0)->szComment, "y");
-}
-
-TEST_F(SceneListTest, ScrollEndsTheEditKeepingItsText)
-{
+    const std::string kLong(600, 'x');
+    struct Case {
+        const char* what;
+        std::function<void()> end;
+        std::string typed, comment;
+    } cases[] = {
+        {"Return keeps", [&] { PostMessageA(Editor()->m_hWnd, WM_KEYDOWN, VK_RETURN, 1); }, "Beach", "Beach"},
+        {"Escape discards", [&] { PostMessageA(Editor()->m_hWnd, WM_KEYDOWN, VK_ESCAPE, 1); }, "Beach", "old"},
+        {"focus elsewhere keeps, up to the field's size", [&] { SetFocus(List()); }, kLong, kLong.substr(0, 519)},
+        {"a scroll keeps", [&] { SendMessageA(List(), WM_VSCROLL, SB_LINEDOWN, 0); }, "Beach", "Beach"},
+    };
     OpenWithScenes(8);
-    OpenEditor(0);
-    ASSERT_NE(Editor(), nullptr);
-    TypeIntoEditor("kept");
-    SendMessageA(List(), WM_VSCROLL, SB_LINEDOWN, 0);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::strcpy(g_arScenes.GetAt(1)->szComment, "old");
+        Dlg().m_listScenes.SetSceneRow(1, 1, FALSE, FALSE);
+        SendMessageA(List(), LVM_ENSUREVISIBLE, 0, FALSE);
+        Dlg().m_bModified = 0;
+        OpenEditor(1);
+        ASSERT_NE(Editor(), nullptr);
+        EXPECT_EQ(GetFocus(), Editor()->m_hWnd);
+        DWORD selStart = 1, selEnd = 0;
+        SendMessageA(Editor()->m_hWnd, EM_GETSEL, reinterpret_cast<WPARAM>(&selStart), reinterpret_cast<LPARAM>(&selEnd));
+        EXPECT_EQ(selStart * 10 + selEnd, 3u);  // the whole comment selected, so typing replaces it
+        RECT before, after, list;
+        GetWindowRect(Editor()->m_hWnd, &before);
+        TypeIntoEditor(c.typed);
+        GetWindowRect(Editor()->m_hWnd, &after);
+        GetWindowRect(List(), &list);
+        EXPECT_GE(after.right - after.left, before.right - before.left);  // it grows to fit, within the list
+        EXPECT_LE(after.right, list.right);
+        c.end();
+        PumpPending();
+        EXPECT_EQ(Editor(), nullptr);
+        EXPECT_EQ(g_arScenes.GetAt(1)->szComment, c.comment);
+        EXPECT_EQ(CellText(1, 4), c.comment);
+        EXPECT_EQ(Dlg().m_bModified, c.comment != "old");
+        EXPECT_TRUE(IsWindow(Wnd()));  // the keys did not reach the dialog
+    }
+    ClickAt(Center(Cell(0, 3)), false, WM_LBUTTONDBLCLK);  // other columns have no editor
     EXPECT_EQ(Editor(), nullptr);
-    EXPECT_STREQ(g_arScenes.GetAt(0)->szComment, "kept");
-}
-
-TEST_F(SceneListTest, DoubleClickElsewhereOrWhileBusyOpensNothing)
-{
-    OpenWithScenes(2);
-    ClickAt(Center(Cell(0, 3)), false, WM_LBUTTONDBLCLK);
-    EXPECT_EQ(Editor(), nullptr);
-    Dlg().m_nState = PS_SCANNING;
+    Dlg().m_nState = PS_SCANNING;  // nor has the list while busy
     ClickAt(Center(Cell(0, 4)), false, WM_LBUTTONDBLCLK);
     EXPECT_EQ(Editor(), nullptr);
     Dlg().m_nState = PS_IDLE;

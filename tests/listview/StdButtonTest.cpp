@@ -1,5 +1,5 @@
-// The picture buttons: sized by their strip, the frame that shows in each
-// state, and the command posted when the mouse is released.
+// The picture buttons: the frame that shows in each state, and the command
+// posted when the mouse is released.
 #include "ResourceIds.h"
 #include "listview/StdButton.h"
 #include "support/Pump.h"
@@ -44,35 +44,20 @@ protected:
         g_commands = 0;
     }
     void TearDown() override { DestroyWindow(m_parent); }
-    SIZE Size()
+    COLORREF Pixel(int x, int y)
     {
-        RECT rc;
-        GetWindowRect(m_button.m_hWnd, &rc);
-        return {rc.right - rc.left, rc.bottom - rc.top};
-    }
-    COLORREF Corner()
-    {
+        UpdateWindow(m_button.m_hWnd);
         HDC dc = GetDC(m_button.m_hWnd);
-        COLORREF c = GetPixel(dc, 1, 1);  // the bevel: light raised, dark pressed
+        COLORREF c = GetPixel(dc, x, y);
         ReleaseDC(m_button.m_hWnd, dc);
         return c;
     }
+    COLORREF Corner() { return Pixel(1, 1); }  // the bevel: light raised, dark pressed
     HWND m_parent = nullptr;
     CStdButton m_button;
 };
 
 } // namespace
-
-TEST_F(StdButtonTest, StripSizesTheButton)
-{
-    ASSERT_TRUE(m_button.SetBitmap(IDB_CAPTURE));
-    EXPECT_EQ(Size().cx, 24);
-    EXPECT_EQ(Size().cy, 22);
-    ASSERT_TRUE(m_button.SetBitmap(IDB_PREVIEW_PLAY));
-    EXPECT_EQ(Size().cx, 32);
-    EXPECT_FALSE(m_button.SetBitmap(9999));
-    EXPECT_FALSE(m_button.HasBitmap());
-}
 
 TEST_F(StdButtonTest, PressDragAndReleasePostTheCommand)
 {
@@ -96,17 +81,18 @@ TEST_F(StdButtonTest, PressDragAndReleasePostTheCommand)
     EXPECT_NE(GetCapture(), m_button.m_hWnd);
 }
 
-TEST_F(StdButtonTest, DisabledShowsTheGreyFrame)
+TEST_F(StdButtonTest, DisabledShowsTheGreyFrameAndAMissingPictureNothing)
 {
     ASSERT_TRUE(m_button.SetBitmap(IDB_CAPTURE));
     PumpPending();
-    HDC dc = GetDC(m_button.m_hWnd);
-    COLORREF before = GetPixel(dc, 12, 11);
+    RECT rc;
+    GetClientRect(m_button.m_hWnd, &rc);
+    COLORREF before = Pixel(rc.right / 2, rc.bottom / 2);
     EnableWindow(m_button.m_hWnd, FALSE);
-    UpdateWindow(m_button.m_hWnd);
-    COLORREF after = GetPixel(dc, 12, 11);
-    ReleaseDC(m_button.m_hWnd, dc);
+    COLORREF after = Pixel(rc.right / 2, rc.bottom / 2);
     EXPECT_NE(before, after);
     EXPECT_EQ(GetRValue(after), GetGValue(after));  // grey
     EXPECT_EQ(GetGValue(after), GetBValue(after));
+    EXPECT_FALSE(m_button.SetBitmap(9999));
+    EXPECT_FALSE(m_button.HasBitmap());
 }

@@ -3,6 +3,7 @@
 #include "ResourceIds.h"
 #include "platform/ResourceLib.h"
 #include "session/Session.h"
+#include "session/Settings.h"
 #include "support/DialogFixture.h"
 #include "support/TestEnvironment.h"
 
@@ -21,37 +22,70 @@ protected:
         m_folder = MakeTempDir("Options");
         DeleteIni();
     }
-    // Opens the options dialog and lets `act` work in it as the user.
-    void WithOptions(std::function<void(HWND)> act)
+    // Opens the options dialog and lets `act` work in it as the user; `after`
+    // answers a window the dialog shows next.
+    void WithOptions(std::function<void(HWND)> act, std::function<bool(HWND)> after = nullptr)
     {
         ModalResponder responder;
-        responder.ExpectWindow("scan options", [act](HWND dlg) {
-            act(dlg);
-            return true;
-        });
+        responder.ExpectWindow("scan options", [act](HWND dlg) { return act(dlg), true; });
+        if (after) responder.ExpectWindow("the answer to OK", after);
         SendMessageA(Wnd(), WM_COMMAND, IDC_SCAN_OPTIONS, 0);
         responder.Verify();
     }
     static void Press(HWND dlg, int id) { SendDlgItemMessageA(dlg, id, BM_CLICK, 0, 0); }
+    static bool On(HWND dlg, int id) { return IsWindowEnabled(GetDlgItem(dlg, id)) != FALSE; }
+    static std::string Text(HWND dlg, int id)
+    {
+        char text[600] = "";
+        GetDlgItemTextA(dlg, id, text, sizeof text);
+        return text;
+    }
     std::string m_folder;
 };
 
 } // namespace
 
-TEST_F(ScanOptionTest, OkWritesTheSessionAndTheSettings)
+TEST_F(ScanOptionTest, OpensWithTheSessionsValuesOrTheDefaultFolder)
+{
+    char fallback[QV_MAX_PATH] = "";
+    GetDefaultCaptureFolder(fallback);
+    ASSERT_NE(fallback[0], 0);
+    for (std::string folder : {m_folder, std::string()}) {
+        std::strcpy(g_session.szCaptureFolder, folder.c_str());
+        OpenDialog();
+        std::string shown, name;
+        WithOptions([&](HWND dlg) {
+            shown = Text(dlg, IDC_CAPTURE_FOLDER);
+            name = Text(dlg, IDC_CAPTURE_NAME);
+            PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
+        });
+        EXPECT_EQ(shown, folder.empty() ? std::string(fallback) : folder);
+        EXPECT_EQ(name, std::string(g_session.szCaptureName));
+        TearDown();
+        SetUp();
+    }
+}
+
+TEST_F(ScanOptionTest, OkWritesTheSessionAndTheSettingsCancelNothing)
 {
     OpenDialog();
-    bool indexEnabledWhileQuick = true;
+    WithOptions([&](HWND dlg) {
+        Press(dlg, IDC_WANT_INDEX_FILE);
+        PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
+    });
+    EXPECT_EQ(ReadIni("WantIndexFile"), kIniMissing);
+    EXPECT_EQ(g_session.nWantIndexFile, 0);
+    bool indexWhileQuick = true;
     WithOptions([&](HWND dlg) {
         SetDlgItemTextA(dlg, IDC_CAPTURE_NAME, "  clip  ");
         SetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, (m_folder + "\\").c_str());
         SendDlgItemMessageA(dlg, IDC_QUICK_SCAN_SPEED, TBM_SETPOS, TRUE, 3);
         Press(dlg, IDC_QUICK_SCAN);
-        indexEnabledWhileQuick = IsWindowEnabled(GetDlgItem(dlg, IDC_WANT_INDEX_FILE)) != FALSE;
+        indexWhileQuick = On(dlg, IDC_WANT_INDEX_FILE);
         Press(dlg, IDC_SAVE_TO_LIBRARY);
         PostMessageA(dlg, WM_COMMAND, IDOK, 0);
     });
-    EXPECT_FALSE(indexEnabledWhileQuick);
+    EXPECT_FALSE(indexWhileQuick);
     EXPECT_EQ(g_session.nQuickScanSpeed, 3);
     EXPECT_EQ(ReadIni("QuickScanSpeed"), "3");
     EXPECT_EQ(ReadIni("SaveToLibrary"), "1");
@@ -62,37 +96,23 @@ TEST_F(ScanOptionTest, OkWritesTheSessionAndTheSettings)
     EXPECT_EQ(ReadIni("ProductionLibFolder"), std::string(g_session.szProductionLibFolder));
 }
 
-TEST_F(ScanOptionTest, CancelWritesNothing)
-{
-    OpenDialog();
-    WithOptions([&](HWND dlg) {
-        Press(dlg, IDC_WANT_INDEX_FILE);
-        PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
-    });
-    EXPECT_EQ(ReadIni("WantIndexFile"), kIniMissing);
-    EXPECT_EQ(g_session.nWantIndexFile, 0);
-}
-
 TEST_F(ScanOptionTest, ScanningWhileCapturingAllowsNoQuickScan)
 {
     g_session.nScanMethodIndex = 3;
     OpenDialog();
-    bool quick = true, index = true, speed = true;
+    bool anyOn = true;
     WithOptions([&](HWND dlg) {
-        quick = IsWindowEnabled(GetDlgItem(dlg, IDC_QUICK_SCAN)) != FALSE;
-        index = IsWindowEnabled(GetDlgItem(dlg, IDC_WANT_INDEX_FILE)) != FALSE;
-        speed = IsWindowEnabled(GetDlgItem(dlg, IDC_QUICK_SCAN_SPEED)) != FALSE;
+        anyOn = On(dlg, IDC_QUICK_SCAN) || On(dlg, IDC_WANT_INDEX_FILE) || On(dlg, IDC_QUICK_SCAN_SPEED);
         SetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, m_folder.c_str());
         PostMessageA(dlg, WM_COMMAND, IDOK, 0);
     });
-    EXPECT_FALSE(quick || index || speed);
+    EXPECT_FALSE(anyOn);
     EXPECT_NE(ReadIni("QuickScanSpeed"), kIniMissing);  // OK still writes every key
 }
 
 TEST_F(ScanOptionTest, HostChoosesTheLibraryWithinItsField)
 {
     OpenDialog();
-    std::string longFolder = "L:\\" + std::string(300, 'l');
     LibraryRequest seen = {};
     Host().OnRequest(HOSTREQ_CHOOSE_LIBRARY, [&](intptr_t arg) {
         auto* req = reinterpret_cast<LibraryRequest*>(arg);
@@ -104,12 +124,10 @@ TEST_F(ScanOptionTest, HostChoosesTheLibraryWithinItsField)
     std::string shown;
     bool ticked = false;
     WithOptions([&](HWND dlg) {
-        SetDlgItemTextA(dlg, IDC_LIBRARY_FOLDER, longFolder.c_str());
+        SetDlgItemTextA(dlg, IDC_LIBRARY_FOLDER, ("L:\\" + std::string(300, 'l')).c_str());
         SendMessageA(dlg, WM_COMMAND, IDC_LIBRARY_FOLDER, 0);
         Press(dlg, IDC_CHOOSE_LIBRARY);
-        char text[600] = "";
-        GetDlgItemTextA(dlg, IDC_LIBRARY_FOLDER, text, sizeof text);
-        shown = text;
+        shown = Text(dlg, IDC_LIBRARY_FOLDER);
         ticked = IsDlgButtonChecked(dlg, IDC_SAVE_TO_LIBRARY) == BST_CHECKED;
         PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
     });
@@ -119,41 +137,38 @@ TEST_F(ScanOptionTest, HostChoosesTheLibraryWithinItsField)
     EXPECT_EQ(ReadIni("SaveToLibrary"), kIniMissing);  // nothing written until OK
 }
 
-TEST_F(ScanOptionTest, OverlongNameIsRefusedNotCut)
+// A text one longer than its field is refused with the limit, never cut;
+// one that just fits is taken.
+TEST_F(ScanOptionTest, OverlongFieldsAreRefusedNotCut)
 {
+    struct Case {
+        int control;
+        std::string text;
+        UINT refusal;  // 0: taken
+        int limit;
+    } cases[] = {
+        {IDC_CAPTURE_NAME, std::string(96, 'n'), IDS_CAPTURE_NAME_TOO_LONG, 99},  // 100 with ".avi"
+        {IDC_CAPTURE_NAME, std::string(95, 'n'), 0, 99},
+        {IDC_CAPTURE_FOLDER, "C:\\" + std::string(257, 'f'), IDS_CAPTURE_FOLDER_TOO_LONG, 259},
+        {IDC_LIBRARY_FOLDER, "L:\\" + std::string(257, 'l'), IDS_LIBRARY_FOLDER_TOO_LONG, 259},
+    };
     OpenDialog();
-    ModalResponder responder;
-    responder
-        .ExpectWindow("scan options",
-                      [&](HWND dlg) {
-                          SetDlgItemTextA(dlg, IDC_CAPTURE_NAME, std::string(120, 'n').c_str());
-                          PostMessageA(dlg, WM_COMMAND, IDOK, 0);
-                          return true;
-                      })
-        .ExpectWindow("the refusal", [](HWND box) {
-            bool right = MessageBoxTextOf(box) == qv::FormatResString(IDS_CAPTURE_NAME_TOO_LONG, 99);
-            PostMessageA(box, WM_COMMAND, IDOK, 0);
-            PostMessageA(GetWindow(box, GW_OWNER), WM_COMMAND, IDCANCEL, 0);  // the dialog stayed open
-            return right;
-        });
-    SendMessageA(Wnd(), WM_COMMAND, IDC_SCAN_OPTIONS, 0);
-    responder.Verify();
-    EXPECT_EQ(ReadIni("PSCaptureFileName"), kIniMissing);
-}
-
-TEST_F(ScanOptionTest, OpensWithTheSessionsValues)
-{
-    std::strcpy(g_session.szCaptureFolder, m_folder.c_str());
-    OpenDialog();
-    std::string folder, name;
-    WithOptions([&](HWND dlg) {
-        char text[300] = "";
-        GetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, text, sizeof text);
-        folder = text;
-        GetDlgItemTextA(dlg, IDC_CAPTURE_NAME, text, sizeof text);
-        name = text;
-        PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
-    });
-    EXPECT_EQ(folder, m_folder);
-    EXPECT_EQ(name, std::string(g_session.szCaptureName));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text.size());
+        DeleteIni();
+        WithOptions(
+            [&](HWND dlg) {
+                SetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, m_folder.c_str());
+                SetDlgItemTextA(dlg, c.control, c.text.c_str());
+                PostMessageA(dlg, WM_COMMAND, IDOK, 0);
+            },
+            c.refusal == 0 ? nullptr : std::function<bool(HWND)>([&](HWND box) {
+                bool right = MessageBoxTextOf(box) == qv::FormatResString(c.refusal, c.limit);
+                PostMessageA(box, WM_COMMAND, IDOK, 0);
+                PostMessageA(GetWindow(box, GW_OWNER), WM_COMMAND, IDCANCEL, 0);  // the dialog stayed open
+                return right;
+            }));
+        EXPECT_EQ(ReadIni("PSCaptureFileName") == kIniMissing, c.refusal != 0);
+    }
+    EXPECT_EQ(std::string(g_session.szCaptureName), std::string(95, 'n') + ".avi");
 }

@@ -1,13 +1,11 @@
-// Merge and split (nested ones too), mark all, delete and clear, driven
-// through the dialog's commands with the confirmations answered.
+// Merge and split (nested ones too), mark all, delete and the view switch,
+// driven through the dialog's commands with marks set in the check boxes.
 #include "ResourceIds.h"
 #include "platform/ResourceLib.h"
 #include "scenes/SceneStore.h"
-#include "session/Session.h"
 #include "support/DialogFixture.h"
 
 #include <commctrl.h>
-#include <cstring>
 
 using namespace qvtest;
 
@@ -15,198 +13,179 @@ namespace {
 
 class EditCommandsTest : public DialogFixture {
 protected:
-    void ScanScenes(int n)
+    // A scan of `n` scenes; scene i runs from 0:00:10*i:00 for five seconds.
+    void Scan(int n, bool pictures)
     {
+        if (pictures) return OpenWithScenes(n);
         OpenDialog();
         StartScan();
-        for (int i = 0; i < n; ++i) FeedScene(Tc(0, 1, i, 0), Tc(0, 1, i, 20));
+        for (int i = 0; i < n; ++i) FeedScene(Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0), false);
         PressKey(VK_ESCAPE);
+    }
+    // Clicks each row's check box.
+    void Mark(const std::vector<int>& rows)
+    {
+        for (int r : rows) {
+            SendMessageA(Item(IDC_SCENE_LIST), LVM_ENSUREVISIBLE, r, FALSE);
+            RECT rc = {};
+            Dlg().m_listScenes.GetCellRect(r, 0, LVIR_BOUNDS, rc);
+            LPARAM at = MAKELPARAM((rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2);
+            SendMessageA(Item(IDC_SCENE_LIST), WM_LBUTTONDOWN, MK_LBUTTON, at);
+            SendMessageA(Item(IDC_SCENE_LIST), WM_LBUTTONUP, 0, at);
+        }
+        PumpPending();
     }
     void Select(int from, int to)
     {
         Dlg().m_listScenes.m_bRangeSelected = from != to;
         Dlg().m_listScenes.SelectRange(from, TRUE, to);
     }
+    void Command(int id, int from, int to)
+    {
+        Select(from, to);
+        Command(id);
+    }
     void Command(int id)
     {
         SendMessageA(Wnd(), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
         PumpPending();
     }
-    void Mark(std::initializer_list<int> rows)
+    SceneRecord& Scene(int i) { return *g_arScenes.GetAt(i); }
+    int Marked() { return Dlg().m_listScenes.m_nMarkedCount; }
+    int FirstSelected()
     {
-        for (int r : rows) g_arScenes.GetAt(r)->bMarked = 1;
-        Dlg().m_listScenes.m_nMarkedCount = static_cast<int>(rows.size());
-    }
-    uint32_t In(int row) { return g_arScenes.GetAt(row)->dwTimeCodeIn; }
-    int MarkedRecords()
-    {
-        int n = 0;
-        for (int i = 0; i < g_arScenes.GetSize(); ++i) n += g_arScenes.GetAt(i)->bMarked == 1;
-        return n;
+        int first, last;
+        Dlg().m_listScenes.GetSelRange(first, last);
+        return first;
     }
 };
 
 } // namespace
 
-TEST_F(EditCommandsTest, MergeMakesOneSceneAndSplitGivesThemBack)
+// Each case merges ranges in turn, then splits every merged row again: the
+// scan comes back whole, with its marks and comments.
+TEST_F(EditCommandsTest, MergeThenSplitGivesTheScanBack)
 {
-    ScanScenes(6);
-    Mark({3, 4});
-    std::strcpy(g_arScenes.GetAt(3)->szComment, "kept for later");
-    Select(2, 4);
-    Command(IDC_MERGE_SCENES);
-    ASSERT_EQ(qvGetCurrentSceneNumber(), 4);
-    EXPECT_EQ(RowCount(), 4);
-    EXPECT_EQ(In(2), Tc(0, 1, 2, 0));
-    EXPECT_EQ(g_arScenes.GetAt(2)->dwTimeCodeOut, Tc(0, 1, 4, 20));
-    EXPECT_EQ(g_arScenes.GetAt(2)->bMerged, 1);
-    EXPECT_EQ(g_arScenes.GetAt(2)->bMarked, 0);
-    EXPECT_EQ(In(3), Tc(0, 1, 5, 0));  // the former scene 5 moved up
-    EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, 0);
-    EXPECT_TRUE(Visible(IDC_SPLIT_SCENE));
-    EXPECT_TRUE(Enabled(IDC_SPLIT_SCENE));
-    EXPECT_FALSE(Visible(IDC_MERGE_SCENES));
+    struct Case {
+        const char* what;
+        int scenes;
+        bool pictures;
+        std::vector<int> marks;
+        std::vector<std::pair<int, int>> merges;
+        int rows, marked, groups;  // after the merges
+        int mergedRow, lastScene;  // the row the last merge made and the scene it ends with
+    } cases[] = {
+        {"one range", 4, true, {}, {{1, 2}}, 3, 0, 1, 1, 2},
+        {"a mark on a scene taken in is dropped", 4, true, {2}, {{1, 2}}, 3, 0, 1, 1, 2},
+        {"marks outside and on the first stay", 4, true, {1, 3}, {{1, 2}}, 3, 2, 1, 1, 2},
+        {"scenes without pictures", 3, false, {0}, {{0, 2}}, 1, 1, 1, 0, 2},
+        {"two separate groups", 5, true, {}, {{0, 1}, {1, 2}}, 3, 0, 2, 1, 3},
+        {"a merged scene merged into one before it", 4, true, {}, {{1, 2}, {0, 1}}, 2, 0, 2, 0, 2},
+        {"a merged scene extended by the next", 3, true, {}, {{0, 1}, {0, 1}}, 1, 0, 1, 0, 2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Scan(c.scenes, c.pictures);
+        Mark(c.marks);
+        ASSERT_EQ(Marked(), static_cast<int>(c.marks.size()));
+        std::strcpy(Scene(c.scenes - 1).szComment, "kept for later");
+        for (auto [from, to] : c.merges) Command(IDC_MERGE_SCENES, from, to);
+        ASSERT_EQ(qvGetCurrentSceneNumber(), c.rows);
+        EXPECT_EQ(RowCount(), c.rows);
+        EXPECT_EQ(g_arMergeGroups.GetSize(), c.groups);
+        EXPECT_EQ(Marked(), c.marked);
+        EXPECT_EQ(Enabled(IDC_CAPTURE), c.marked > 0);
+        EXPECT_EQ(Scene(c.mergedRow).bMerged, 1);
+        EXPECT_EQ(Scene(c.mergedRow).dwTimeCodeOut, Tc(0, 0, 10 * c.lastScene + 5, 0));
+        EXPECT_TRUE(Visible(IDC_SPLIT_SCENE) && Enabled(IDC_SPLIT_SCENE));
+        EXPECT_FALSE(Visible(IDC_MERGE_SCENES));
+        EXPECT_TRUE(Dlg().m_bModified);
 
-    Command(IDC_SPLIT_SCENE);
-    ASSERT_EQ(qvGetCurrentSceneNumber(), 6);
-    EXPECT_EQ(RowCount(), 6);
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(In(i), Tc(0, 1, i, 0)) << i;
-    EXPECT_EQ(g_arScenes.GetAt(2)->dwTimeCodeOut, Tc(0, 1, 2, 20));
-    EXPECT_STREQ(g_arScenes.GetAt(3)->szComment, "kept for later");
-    EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, MarkedRecords());
-    EXPECT_EQ(MarkedRecords(), 2);
-    EXPECT_TRUE(g_arMergeGroups.IsEmpty());
-    EXPECT_FALSE(Visible(IDC_SPLIT_SCENE));
-}
-
-TEST_F(EditCommandsTest, NestedMergesSplitInOneCommand)
-{
-    ScanScenes(4);
-    Select(1, 2);  // B+C into X
-    Command(IDC_MERGE_SCENES);
-    Select(0, 1);  // A with X, X not first
-    Command(IDC_MERGE_SCENES);
-    ASSERT_EQ(qvGetCurrentSceneNumber(), 2);
-    Select(0, 0);
-    Command(IDC_SPLIT_SCENE);
-    ASSERT_EQ(qvGetCurrentSceneNumber(), 4);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(In(i), Tc(0, 1, i, 0)) << i;
-        EXPECT_EQ(g_arScenes.GetAt(i)->bMerged, 0) << i;
+        for (int row = c.rows - 1; row >= 0; --row)
+            if (Scene(row).bMerged) Command(IDC_SPLIT_SCENE, row, row);
+        ASSERT_EQ(qvGetCurrentSceneNumber(), c.scenes);
+        EXPECT_EQ(RowCount(), c.scenes);
+        for (int i = 0; i < c.scenes; ++i) {
+            EXPECT_EQ(Scene(i).dwTimeCodeIn, Tc(0, 0, 10 * i, 0)) << i;
+            EXPECT_EQ(Scene(i).dwTimeCodeOut, Tc(0, 0, 10 * i + 5, 0)) << i;
+            EXPECT_EQ(Scene(i).bMerged, 0) << i;
+        }
+        EXPECT_STREQ(Scene(c.scenes - 1).szComment, "kept for later");
+        EXPECT_EQ(Marked(), static_cast<int>(c.marks.size()));
+        EXPECT_TRUE(g_arMergeGroups.IsEmpty());
+        EXPECT_FALSE(Visible(IDC_SPLIT_SCENE));
+        TearDown();
+        SetUp();
     }
-    EXPECT_TRUE(g_arMergeGroups.IsEmpty());
 }
 
-TEST_F(EditCommandsTest, MergingAMergedSceneExtendsItsGroup)
+TEST_F(EditCommandsTest, DeleteAsksThenKeepsTheMarksAndSelectsWhatFollows)
 {
-    ScanScenes(3);
-    Select(0, 1);
-    Command(IDC_MERGE_SCENES);
-    Select(0, 1);  // the merged scene with C
-    Command(IDC_MERGE_SCENES);
-    EXPECT_EQ(g_arMergeGroups.GetSize(), 1);
-    EXPECT_EQ(g_arMergeGroups.GetAt(0)->nCount, 3);
-    Select(0, 0);
-    Command(IDC_SPLIT_SCENE);
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 3);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(In(i), Tc(0, 1, i, 0)) << i;
+    struct Case {
+        const char* what;
+        int scenes;
+        std::vector<int> marks;
+        int from, to, answer;
+        int rows, marked, selected;  // selected: the first selected row after
+    } cases[] = {
+        {"rows in the middle", 6, {0, 3, 4}, 2, 4, IDYES, 3, 1, 2},
+        {"the last rows", 6, {}, 4, 5, IDYES, 4, 0, 3},
+        {"No changes nothing", 3, {1}, 0, 2, IDNO, 3, 1, 0},
+        {"everything", 3, {1}, 0, 2, IDYES, 0, 0, -1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        OpenWithScenes(c.scenes);
+        Mark(c.marks);
+        ModalResponder responder;
+        responder.ExpectMessageRes(IDS_ASK_DELETE_SCENES, c.answer);
+        Command(IDC_DELETE_SCENES, c.from, c.to);
+        responder.Verify();
+        ASSERT_EQ(qvGetCurrentSceneNumber(), c.rows);
+        EXPECT_EQ(RowCount(), c.rows);
+        EXPECT_EQ(Marked(), c.marked);
+        if (c.rows > 0) EXPECT_EQ(FirstSelected(), c.selected);
+        if (c.answer == IDYES && c.rows > c.from) EXPECT_EQ(Scene(c.from).dwTimeCodeIn, Tc(0, 0, 10 * (c.to + 1), 0));
+        EXPECT_EQ(Enabled(IDC_SAVE_LIST), c.rows > 0);
+        EXPECT_EQ(Dlg().m_bModified != 0, c.rows > 0);
+        if (c.rows == 0) EXPECT_EQ(SceneTableSize(), 0);
+        TearDown();
+        SetUp();
+    }
 }
 
 TEST_F(EditCommandsTest, MarkAllAndUnmarkAll)
 {
-    ScanScenes(3);
-    Command(IDC_MARK_ALL);
-    EXPECT_EQ(MarkedRecords(), 3);
-    EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, 3);
-    char text[64];
-    GetWindowTextA(Item(IDC_MARK_ALL), text, sizeof text);
-    EXPECT_EQ(std::string(text), qv::LoadResString(IDS_UNMARK_ALL));
-    EXPECT_TRUE(Enabled(IDC_CAPTURE));
-    Command(IDC_MARK_ALL);
-    EXPECT_EQ(MarkedRecords(), 0);
-    EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, 0);
-    GetWindowTextA(Item(IDC_MARK_ALL), text, sizeof text);
-    EXPECT_EQ(std::string(text), qv::LoadResString(IDS_MARK_ALL));
-}
-
-TEST_F(EditCommandsTest, DeleteKeepsTheMarkedCountAndSelectsWhatFollows)
-{
-    ScanScenes(10);
-    Mark({0, 3, 4, 7, 9});
-    Select(2, 4);
-    ModalResponder responder;
-    responder.ExpectMessageRes(IDS_ASK_DELETE_SCENES, IDYES);
-    Command(IDC_DELETE_SCENES);
-    responder.Verify();
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 7);
-    EXPECT_EQ(RowCount(), 7);
-    EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount, 3);
-    EXPECT_EQ(In(2), Tc(0, 1, 5, 0));
-    int first, last;
-    Dlg().m_listScenes.GetSelRange(first, last);
-    EXPECT_EQ(first, 2);
-}
-
-TEST_F(EditCommandsTest, DeletingTheLastRowsSelectsTheNewLast)
-{
-    ScanScenes(6);
-    Select(4, 5);
-    ModalResponder responder;
-    responder.ExpectMessageRes(IDS_ASK_DELETE_SCENES, IDYES);
-    Command(IDC_DELETE_SCENES);
-    responder.Verify();
-    int first, last;
-    Dlg().m_listScenes.GetSelRange(first, last);
-    EXPECT_EQ(first, 3);
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 4);
-}
-
-TEST_F(EditCommandsTest, DeletingEverythingAsksOnceAndEmptiesTheList)
-{
-    ScanScenes(3);
-    Select(0, 2);
-    {
-        ModalResponder responder;
-        responder.ExpectMessageRes(IDS_ASK_DELETE_SCENES, IDNO);
-        Command(IDC_DELETE_SCENES);
-        responder.Verify();
+    OpenWithScenes(3);
+    Mark({1});
+    for (int round = 0; round < 2; ++round) {
+        bool all = round == 0;
+        Command(IDC_MARK_ALL);
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(Scene(i).bMarked, all ? 1 : 0) << i;
+        EXPECT_EQ(Marked(), all ? 3 : 0);
+        char text[64];
+        GetWindowTextA(Item(IDC_MARK_ALL), text, sizeof text);
+        EXPECT_EQ(std::string(text), qv::LoadResString(all ? IDS_UNMARK_ALL : IDS_MARK_ALL));
+        EXPECT_EQ(Enabled(IDC_CAPTURE), all);
     }
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 3);  // No changes nothing
-    ModalResponder responder;
-    responder.ExpectMessageRes(IDS_ASK_DELETE_SCENES, IDYES);
-    Command(IDC_DELETE_SCENES);
-    responder.Verify();
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 0);
-    EXPECT_EQ(RowCount(), 0);
-    EXPECT_EQ(SceneTableSize(), 0);
-    EXPECT_FALSE(Enabled(IDC_SAVE_LIST));
-    EXPECT_EQ(Dlg().m_bModified, 0);
 }
 
 TEST_F(EditCommandsTest, ViewSwitchRebuildsTheListBothWays)
 {
-    ScanScenes(5);
+    OpenWithScenes(5);
+    std::string date = CellText(2, 3);
     Select(1, 3);
-    std::string datesBefore = CellText(2, 3);
-    Command(IDC_VIEW_MODE);
-    EXPECT_FALSE(Dlg().m_listScenes.m_bShowThumbnails);
-    EXPECT_EQ(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0),
-              LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_GRIDLINES);
-    EXPECT_EQ(RowCount(), 5);
-    EXPECT_EQ(CellText(2, 1), "00:01:02:00");
-    EXPECT_EQ(CellText(2, 2), "00:01:02:20");
-    EXPECT_EQ(CellText(2, 3), "2003/ 7/ 4  15:06:09");
-    EXPECT_FALSE(Enabled(IDC_PREVIEW));  // no preview in the compact view
-    int first, last;
-    Dlg().m_listScenes.GetSelRange(first, last);
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(last, 3);
-    Command(IDC_VIEW_MODE);
-    EXPECT_TRUE(Dlg().m_listScenes.m_bShowThumbnails);
-    EXPECT_EQ(CellText(2, 3), datesBefore);
-    EXPECT_EQ(CellText(2, 1), "");  // the thumbnail's column holds no text
-    Dlg().m_listScenes.GetSelRange(first, last);
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(last, 3);
-    EXPECT_EQ(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETSELECTEDCOUNT, 0, 0), 3);
+    for (int round = 0; round < 2; ++round) {
+        bool compact = round == 0;
+        Command(IDC_VIEW_MODE);
+        EXPECT_EQ(Dlg().m_listScenes.m_bShowThumbnails == FALSE, compact);
+        EXPECT_EQ(RowCount(), 5);
+        EXPECT_EQ(CellText(2, 1), compact ? "00:00:20:00" : "");  // no text over the thumbnail
+        EXPECT_EQ(CellText(2, 3), compact ? "2003/ 7/ 4  15:06:09" : date);
+        if (compact) EXPECT_EQ(CellText(2, 2), "00:00:25:00");
+        int first, last;
+        Dlg().m_listScenes.GetSelRange(first, last);
+        EXPECT_EQ(first * 10 + last, 13);
+        EXPECT_EQ(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETSELECTEDCOUNT, 0, 0), 3);
+    }
 }

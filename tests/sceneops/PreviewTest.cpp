@@ -39,22 +39,13 @@ std::string WriteAvi(int frames)
     return path;
 }
 
-class PreviewTest : public DialogFixture {
-protected:
-    void ScanScenes(int n)
-    {
-        OpenDialog();
-        StartScan();
-        for (int i = 0; i < n; ++i) FeedScene(Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0));
-        PressKey(VK_ESCAPE);
-    }
-};
+class PreviewTest : public DialogFixture {};
 
 } // namespace
 
 TEST_F(PreviewTest, CapturedFilePlaysOverItsThumbnailUntilItEnds)
 {
-    ScanScenes(3);
+    OpenWithScenes(3);
     std::strcpy(g_arScenes.GetAt(1)->szCaptureFile, "C:\\gone\\deleted.avi");  // missing: the scan file plays
     std::strcpy(g_arScenes.GetAt(1)->szSceneFile, WriteAvi(8).c_str());
     Dlg().m_listScenes.SelectRange(1, FALSE, 0);
@@ -70,22 +61,13 @@ TEST_F(PreviewTest, CapturedFilePlaysOverItsThumbnailUntilItEnds)
     GetWindowRect(Item(IDC_SCENE_LIST), &list);
     Dlg().m_listScenes.GetCellRect(1, 1, LVIR_BOUNDS, cell);
     OffsetRect(&cell, list.left, list.top);
-    EXPECT_EQ(video.right - video.left, 80);
-    EXPECT_EQ(video.bottom - video.top, 60);
     EXPECT_EQ(video.left, (cell.left + cell.right) / 2 - 40 + 2);
     EXPECT_EQ(video.top, (cell.top + cell.bottom) / 2 - 30 + 2);
     EXPECT_TRUE(PumpUntil([&] { return Dlg().m_nState == PS_IDLE; }, 5000));  // the file's end
     EXPECT_FALSE(Visible(IDC_PREVIEW_VIDEO));
     EXPECT_TRUE(Enabled(IDC_START_SCAN));
     EXPECT_EQ(Host().Count(HOSTREQ_PLAY_SPAN), 0);
-}
-
-TEST_F(PreviewTest, PressingAgainStopsAFilePreview)
-{
-    ScanScenes(2);
-    std::strcpy(g_arScenes.GetAt(0)->szCaptureFile, WriteAvi(200).c_str());
-    Dlg().m_listScenes.SelectRange(0, FALSE, 0);
-    Click(IDC_PREVIEW);
+    Click(IDC_PREVIEW);  // again, and a second press stops it before its end
     ASSERT_EQ(Dlg().m_nState, PS_FILE_PREVIEW);
     Click(IDC_PREVIEW);
     EXPECT_EQ(Dlg().m_nState, PS_IDLE);
@@ -94,7 +76,7 @@ TEST_F(PreviewTest, PressingAgainStopsAFilePreview)
 
 TEST_F(PreviewTest, TapePreviewStopsOnceFromInsideTheRequest)
 {
-    ScanScenes(2);
+    OpenWithScenes(2);
     Dlg().m_listScenes.SelectRange(1, FALSE, 0);
     SceneSpan played = {};
     int stopsInside = -1;
@@ -116,7 +98,7 @@ TEST_F(PreviewTest, TapePreviewStopsOnceFromInsideTheRequest)
 
 TEST_F(PreviewTest, TapePreviewEndsWhenTheSpanHasPlayed)
 {
-    ScanScenes(1);
+    OpenWithScenes(1);
     Dlg().m_listScenes.SelectRange(0, FALSE, 0);
     Click(IDC_PREVIEW);
     EXPECT_EQ(Host().Codes().back(), HOSTREQ_STOP_PLAY);

@@ -11,38 +11,31 @@
 
 #include <commdlg.h>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 using namespace qvtest;
 
 namespace {
 
-std::vector<uint8_t> ReadBytes(const std::string& path)
+// The file dialog's name box (its combo box on newer systems, its edit box before).
+HWND NameBox(HWND fileDialog)
 {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    HWND box = GetDlgItem(fileDialog, 1152);
+    return box ? box : GetDlgItem(fileDialog, 1148);
 }
 
 // Types `name` into the file dialog's name box and presses OK.
 std::function<bool(HWND)> ChooseFile(const std::string& name)
 {
     return [name](HWND dialog) {
-        HWND box = GetDlgItem(dialog, 1152);
-        if (!box) box = GetDlgItem(dialog, 1148);
-        if (!box) return false;
-        SetWindowTextA(box, name.c_str());
+        SetWindowTextA(NameBox(dialog), name.c_str());
         PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
-        return true;
+        return NameBox(dialog) != nullptr;
     };
 }
 
-std::function<bool(HWND)> CancelFileDialog()
+bool CancelFileDialog(HWND dialog)
 {
-    return [](HWND dialog) {
-        PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-        return true;
-    };
+    return PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
 }
 
 class SceneListFileTest : public DialogFixture {
@@ -56,19 +49,18 @@ protected:
     }
     void ScanScenes(int n)
     {
-        OpenDialog();
-        StartScan();
-        for (int i = 0; i < n; ++i) FeedScene(Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0));
-        PressKey(VK_ESCAPE);
+        OpenWithScenes(n);
         SetWindowTextA(Item(IDC_TAPE_NAME), "Holiday");
     }
-    void Save(const std::string& name)
+    void Through(int button, const char* what, std::function<bool(HWND)> act)
     {
         ModalResponder responder;
-        responder.ExpectWindow("save dialog", ChooseFile(name));
-        Click(IDC_SAVE_LIST);
+        responder.ExpectWindow(what, act);
+        Click(button);
         responder.Verify();
     }
+    void Save(const std::string& name) { Through(IDC_SAVE_LIST, "save dialog", ChooseFile(name)); }
+    void Open(const std::string& name) { Through(IDC_OPEN_LIST, "open dialog", ChooseFile(name)); }
     std::string m_dir;
 };
 
@@ -117,22 +109,23 @@ TEST_F(SceneListFileTest, SaveWritesTheListAndRemembersTheFolder)
     EXPECT_TRUE(Enabled(IDC_START_SCAN));  // controls back after the dialog
 }
 
-TEST_F(SceneListFileTest, CancelledSaveWritesNothing)
+TEST_F(SceneListFileTest, CancelledSaveOrOpenChangesNothing)
 {
     ScanScenes(2);
     std::string before = g_session.szSceneListFile;
-    ModalResponder responder;
-    responder.ExpectWindow("save dialog", CancelFileDialog());
-    Click(IDC_SAVE_LIST);
-    responder.Verify();
+    Through(IDC_SAVE_LIST, "save dialog", CancelFileDialog);
     EXPECT_EQ(std::string(g_session.szSceneListFile), before);
     EXPECT_EQ(Dlg().m_bModified, 1);
+    ModalResponder responder;
+    responder.ExpectMessageRes(IDS_ASK_SAVE_CHANGES, IDCANCEL);
+    Click(IDC_OPEN_LIST);
+    responder.Verify();
+    EXPECT_EQ(qvGetCurrentSceneNumber(), 2);
 }
 
 TEST_F(SceneListFileTest, OpenReplacesTheListWithTheFile)
 {
     ScanScenes(4);
-    g_arScenes.GetAt(1)->bMarked = 1;
     std::strcpy(g_arScenes.GetAt(2)->szComment, "the jetty");
     Save(m_dir + "\\four");
     // A different list in the dialog, then the file opened over it.
@@ -151,62 +144,59 @@ TEST_F(SceneListFileTest, OpenReplacesTheListWithTheFile)
     }
     EXPECT_EQ(qvGetCurrentSceneNumber(), 4);
     EXPECT_EQ(RowCount(), 4);
-    EXPECT_EQ(g_arScenes.GetAt(1)->bMarked, 0);  // marks are not kept
     EXPECT_EQ(CellText(2, 4), "the jetty");
     EXPECT_EQ(Dlg().m_bModified, 0);
-    EXPECT_EQ(Dlg().m_strTapeName, "Holiday");
     char name[128];
     GetWindowTextA(Item(IDC_TAPE_NAME), name, sizeof name);
     EXPECT_STREQ(name, "Holiday");
     EXPECT_EQ(ReadIni("ProductionLibFolder"), std::string(g_session.szProductionLibFolder));
 }
 
-TEST_F(SceneListFileTest, CancelAtTheSaveQuestionOpensNothing)
+// A saved one-scene list, changed on disk and opened again.
+TEST_F(SceneListFileTest, OpeningOldShortAndForeignFiles)
 {
-    ScanScenes(2);
-    ModalResponder responder;
-    responder.ExpectMessageRes(IDS_ASK_SAVE_CHANGES, IDCANCEL);
-    Click(IDC_OPEN_LIST);
-    responder.Verify();
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 2);
-}
-
-TEST_F(SceneListFileTest, OtherExtensionsAreNotOpened)
-{
-    ScanScenes(2);
-    std::string other = m_dir + "\\notes.txt";
-    std::ofstream(other) << "not a scene list";
-    Dlg().m_bModified = 0;
-    ModalResponder responder;
-    responder.ExpectWindow("open dialog", ChooseFile(other));
-    Click(IDC_OPEN_LIST);
-    responder.Verify();
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 2);
-    EXPECT_EQ(std::string(g_session.szSceneListFile), other);
-}
-
-TEST_F(SceneListFileTest, OldVersionIsRewrittenAsCurrent)
-{
-    ScanScenes(1);
-    Save(m_dir + "\\old.psf");
-    std::string path = m_dir + "\\old.psf";
-    std::vector<uint8_t> bytes = ReadBytes(path);
-    bytes[1304] = 1;  // version 1: time codes are frame counts
-    uint32_t frames = 1800;
-    std::memcpy(&bytes[1314], &frames, 4);
-    std::ofstream(path, std::ios::binary | std::ios::trunc).write(reinterpret_cast<char*>(bytes.data()),
-                                                                  static_cast<std::streamsize>(bytes.size()));
-    ModalResponder responder;
-    responder.ExpectWindow("open dialog", ChooseFile(path));
-    Click(IDC_OPEN_LIST);
-    responder.Verify();
-    EXPECT_EQ(g_arScenes.GetAt(0)->dwTimeCodeIn, Tc(0, 1, 12, 0));  // 25 frames per second
-    std::vector<uint8_t> rewritten = ReadBytes(path);
-    ASSERT_GE(rewritten.size(), 1314u + 1140);
-    EXPECT_EQ(rewritten[1304], 3);
-    uint32_t tc;
-    std::memcpy(&tc, &rewritten[1314], 4);
-    EXPECT_EQ(tc, Tc(0, 1, 12, 0));
+    const size_t kHeader = 1314, kRecord = 1140;
+    struct Case {
+        const char* what;
+        const char* name;
+        std::function<void(std::vector<uint8_t>&)> change;
+        uint32_t in, thumbBytes;  // the scene's once open
+        int versionOnDisk;
+        uint32_t inOnDisk;
+    } cases[] = {
+        {"version 1: frame counts, rewritten as current", "old.psf",
+         [](auto& b) { Put32(b, 1304, 1), Put32(b, kHeader, 1800); }, Tc(0, 1, 12, 0), 14400, 3, Tc(0, 1, 12, 0)},
+        {"fewer pixels than the header describes", "short.psf",
+         [](auto& b) { b.resize(kHeader + kRecord + 40 + 16), Put32(b, kHeader + 24, 16); }, 0, 16, 3, 0},
+        {"another extension is not opened", "notes.txt", [](auto& b) { Put32(b, kHeader, 1800); }, 0, 14400, 3, 1800},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ScanScenes(1);
+        Save(m_dir + "\\list.psf");
+        std::vector<uint8_t> bytes = ReadBytes(m_dir + "\\list.psf");
+        c.change(bytes);
+        std::string path = m_dir + "\\" + c.name;
+        WriteBytes(path, bytes);
+        Open(path);
+        EXPECT_EQ(std::string(g_session.szSceneListFile), path);
+        ASSERT_EQ(qvGetCurrentSceneNumber(), 1);
+        EXPECT_EQ(g_arScenes.GetAt(0)->dwTimeCodeIn, c.in);
+        EXPECT_EQ(g_arScenes.GetAt(0)->dwThumbSize, c.thumbBytes);
+        std::vector<uint8_t> after = ReadBytes(path);
+        EXPECT_EQ(Get32(after, 1304), c.versionOnDisk);
+        EXPECT_EQ(static_cast<uint32_t>(Get32(after, kHeader)), c.inOnDisk);
+        // The row draws; a picture with too few pixels is left out.
+        RECT cell = {};
+        Dlg().m_listScenes.GetCellRect(0, 1, LVIR_BOUNDS, cell);
+        RedrawWindow(Item(IDC_SCENE_LIST), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+        HDC dc = GetDC(Item(IDC_SCENE_LIST));
+        COLORREF centre = GetPixel(dc, (cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2);
+        ReleaseDC(Item(IDC_SCENE_LIST), dc);
+        EXPECT_EQ(centre == RGB(200, 40, 40), c.thumbBytes > 16);
+        TearDown();
+        SetUp();
+    }
 }
 
 TEST_F(SceneListFileTest, FailedSaveLeavesThePreviousFile)
@@ -233,9 +223,7 @@ TEST_F(SceneListFileTest, FailedSaveLeavesThePreviousFile)
     EXPECT_EQ(ReadBytes(path), before);
     EXPECT_EQ(Dlg().m_bModified, 1);
     WIN32_FIND_DATAA found;
-    HANDLE search = FindFirstFileA((m_dir + "\\*.tmp").c_str(), &found);
-    EXPECT_EQ(search, INVALID_HANDLE_VALUE);  // no temporary file left behind
-    if (search != INVALID_HANDLE_VALUE) FindClose(search);
+    EXPECT_EQ(FindFirstFileA((m_dir + "\\*.tmp").c_str(), &found), INVALID_HANDLE_VALUE);  // no temporary file left
 }
 
 namespace {
@@ -263,8 +251,7 @@ TEST_F(SceneListFileTest, OpenDialogPreviewsTheSelectedTape)
     for (char c : std::string("Lake and boats")) SendMessageA(Item(IDC_TAPE_DESCRIPTION), WM_CHAR, c, 1);
     Save(m_dir + "\\lake.psf");
     std::string other = m_dir + "\\notes.txt";
-    std::ofstream(other) << "not a scene list";
-    Dlg().m_bModified = 0;
+    WriteBytes(other, {'n', 'o'});
     std::string previewName, previewDescription, afterOther;
     bool readOnly = false;
     ModalResponder responder;
@@ -272,7 +259,7 @@ TEST_F(SceneListFileTest, OpenDialogPreviewsTheSelectedTape)
         HWND area = ExtraArea(dialog);
         if (!area) return false;
         readOnly = (GetWindowLongA(GetDlgItem(area, IDC_PSF_TAPE_NAME), GWL_STYLE) & ES_READONLY) != 0;
-        HWND box = GetDlgItem(dialog, 1152) ? GetDlgItem(dialog, 1152) : GetDlgItem(dialog, 1148);
+        HWND box = NameBox(dialog);
         OFNOTIFYA note = {};
         note.hdr.hwndFrom = dialog;
         note.hdr.code = CDN_SELCHANGE;
