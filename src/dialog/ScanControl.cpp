@@ -302,9 +302,12 @@ int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
     if (g_bStopScan) RestoreControlsAfterStop();
 
     if (!quick) return 1;
-    // Scene messages may queue up behind the keyboard: look for Escape here.
+    // Scene messages may queue up behind the keyboard: one key is read here,
+    // past the dialog's own key handling.  Only Escape pressed down stops the
+    // scan; any other key taken out is dropped (a letter must not reach the
+    // list, a second Escape must not close the dialog).
     MSG key;
-    if (PeekMessageA(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE) && key.message == WM_KEYDOWN &&
+    if (CDialog::TakeMessage(&key, WM_KEYFIRST, WM_KEYLAST) && key.message == WM_KEYDOWN &&
         key.wParam == VK_ESCAPE) {
         g_bStopScan = 1;
         StopCurrentOperation();
@@ -344,8 +347,10 @@ void CPreScanDlg::OnShowNewestRow()
 void CPreScanDlg::FlushLateSceneMessages()
 {
     g_nLateSceneMsgs = 0;
+    // The backlog is dropped, never handled: taken out past the dialog's
+    // message handling.
     MSG msg;
-    while (PeekMessageA(&msg, nullptr, WM_USER, WM_PRESCAN_SCENE, PM_REMOVE)) {
+    while (CDialog::TakeMessage(&msg, WM_USER, WM_PRESCAN_SCENE)) {
     }
     if (g_bStopScan) {
         ClearIncompleteScenes(*this, 1);
