@@ -237,9 +237,11 @@ int32_t CPreScanDlg::OnClosePreScan()
     g_bForcedStop = 0;
     if (answer == IDCANCEL) return 0;
     if (m_bBusy) StopScan();
-    // The feed ends first: a host thread still feeding finishes the call it
-    // is in (the lock waits for it) and every later call finds the lock gone,
-    // so nothing can join the table after it was freed.
+    // The feed ends first.  A host thread inside a feed call finishes only the
+    // step it holds the lock for (deleting the lock waits for that); each
+    // later step of that call, and every later call, finds the lock gone and
+    // ends, so nothing can join the table after it was freed.  Such a call
+    // may still post a scene message, which is dropped with the window.
     g_csScenes.Delete();
     m_listScenes.DeleteAllRows();
     FreeSceneStore();

@@ -121,7 +121,10 @@ void AddSceneBegin(SceneFeedTarget& dlg, const SceneInfo& scene, const ThumbHead
 {
     OwnedBlock copy(qv::CopyBlock(&scene, sizeof scene));
     if (!copy.Get()) return;
-    int nRow;
+    int nRow = -1;
+    bool stopped = false;
+    // The lock covers the tables only: everything that reaches the dialog
+    // (clearing rows, the title, host requests) runs after it is released.
     {
         qv::SceneLockGuard lock(g_csScenes);
         if (!lock.Held()) return;  // the dialog has gone
@@ -131,39 +134,41 @@ void AddSceneBegin(SceneFeedTarget& dlg, const SceneInfo& scene, const ThumbHead
         if (IsQuickScan()) g_arQuickBegins.Add(static_cast<SceneInfo*>(copy.Release()));
 
         if (g_bStopScan) {
-            // A stop was asked for: no record is added.  In a quick scan the
-            // scene left open at the stop goes; from a host thread the dialog
-            // is asked to do that on its own thread.
-            if (IsQuickScan()) {
-                if (OnThreadOf(dlg.FeedWindow()))
-                    ClearIncompleteScenes(dlg, 0);
-                else
-                    PostMessageA(dlg.FeedWindow(), WM_PRESCAN_CLEAR_INCOMPLETE, 0, 0);
+            stopped = true;  // a stop was asked for: no record is added
+        } else {
+            // Every block is made before anything joins the table: when memory
+            // runs short the scene is dropped whole and the tables stay in step.
+            OwnedBlock recordBlock(qv::AllocBlock(sizeof(SceneRecord)));
+            if (!recordBlock.Get()) return;
+            ThumbnailCopy thumb;
+            bool withThumbnail = nThumbSize != 0 && pHeader && pBits;
+            if (withThumbnail) {
+                thumb = CopyThumbnail(pHeader, pBits, scene.dwThumbSize);
+                if (!thumb.header || !thumb.bits) return;
+                g_arThumbHeaders.Add(thumb.header);
+                g_arThumbBits.Add(thumb.bits);
             }
-            return;
-        }
+            g_bHaveThumbnails = withThumbnail ? 1 : 0;
 
-        // Every block is made before anything joins the table: when memory
-        // runs short the scene is dropped whole and the tables stay in step.
-        OwnedBlock recordBlock(qv::AllocBlock(sizeof(SceneRecord)));
-        if (!recordBlock.Get()) return;
-        ThumbnailCopy thumb;
-        bool withThumbnail = nThumbSize != 0 && pHeader && pBits;
-        if (withThumbnail) {
-            thumb = CopyThumbnail(pHeader, pBits, scene.dwThumbSize);
-            if (!thumb.header || !thumb.bits) return;
-            g_arThumbHeaders.Add(thumb.header);
-            g_arThumbBits.Add(thumb.bits);
+            auto* record = static_cast<SceneRecord*>(recordBlock.Release());
+            std::memcpy(record, &scene, sizeof scene);
+            record->dwThumbSize = thumb.bytes;  // what the table holds, whatever the host said
+            record->nIndex = nCompleted;
+            record->bMerged = 0;
+            record->bMarked = 0;
+            nRow = g_arScenes.Add(record);
         }
-        g_bHaveThumbnails = withThumbnail ? 1 : 0;
-
-        auto* record = static_cast<SceneRecord*>(recordBlock.Release());
-        std::memcpy(record, &scene, sizeof scene);
-        record->dwThumbSize = thumb.bytes;  // what the table holds, whatever the host said
-        record->nIndex = nCompleted;
-        record->bMerged = 0;
-        record->bMarked = 0;
-        nRow = g_arScenes.Add(record);
+    }
+    if (stopped) {
+        // In a quick scan the scene left open at the stop goes; from a host
+        // thread the dialog is asked to do that on its own thread.
+        if (IsQuickScan()) {
+            if (OnThreadOf(dlg.FeedWindow()))
+                ClearIncompleteScenes(dlg, 0);
+            else
+                PostMessageA(dlg.FeedWindow(), WM_PRESCAN_CLEAR_INCOMPLETE, 0, 0);
+        }
+        return;
     }
     NotifyDialog(dlg, nRow, 1);
     g_bSceneOpen = 1;

@@ -68,6 +68,49 @@ TEST_P(QuickScanStopTest, LeavesTheSameRowsWhateverTheBacklog)
     EXPECT_EQ(g_nLateSceneMsgs, 0);                     // the flush ran
 }
 
+// A host that answers the stop by reporting one more scene, and answers the
+// position request that this brings (the open scene goes, the title follows)
+// only after a feeding thread of its own has finished a call.  Were the scene
+// lock held across either request, that thread could never finish.
+class SceneLockTest : public DialogFixture {};
+
+TEST_F(SceneLockTest, NoHostRequestWaitsOnIt)
+{
+    g_session.nQuickScanSpeed = 2;
+    OpenDialog();
+    StartScan();
+    SceneInfo open = MakeScene(Tc(0, 0, 1, 0), 0);
+    qvSetSceneDataBegin(&open, nullptr, nullptr);
+    PumpPending();
+    ASSERT_EQ(RowCount(), 1);
+    bool inStop = false;
+    DWORD feederWait = WAIT_FAILED;
+    HANDLE feeder = nullptr;
+    Host().OnRequest(HOSTREQ_GET_POSITION, [&](intptr_t) -> int32_t {
+        if (!inStop || feeder) return 0;
+        feeder = CreateThread(nullptr, 0, [](LPVOID) -> DWORD {
+            SceneInfo end = MakeScene(Tc(0, 0, 1, 0), Tc(0, 0, 2, 0));
+            qvSetSceneDataEnd(&end);
+            return 0;
+        }, nullptr, 0, nullptr);
+        feederWait = WaitForSingleObject(feeder, 5000);
+        return 0;
+    });
+    Host().OnRequest(HOSTREQ_STOP_SCAN, [&](intptr_t) -> int32_t {
+        inStop = true;
+        SceneInfo late = MakeScene(Tc(0, 0, 5, 0), 0);
+        qvSetSceneDataBegin(&late, nullptr, nullptr);
+        inStop = false;
+        return 1;
+    });
+    PressKey(VK_ESCAPE);
+    ASSERT_NE(feeder, nullptr);
+    EXPECT_EQ(feederWait, WAIT_OBJECT_0);
+    WaitForSingleObject(feeder, INFINITE);
+    CloseHandle(feeder);
+    EXPECT_EQ(RowCount(), 0);  // the scene left open at the stop went
+}
+
 INSTANTIATE_TEST_SUITE_P(Backlogs, QuickScanStopTest, testing::ValuesIn(kCases));
 
 } // namespace
