@@ -272,7 +272,21 @@ void CPreScanDlg::SetStatusTimer(BOOL bOn)
 
 void CPreScanDlg::OnStatusTimer(UINT_PTR nId)
 {
-    if (nId == kStatusTimerId) UpdateTitle();
+    if (nId != kStatusTimerId) return;
+    UpdateTitle();
+    TakeUnpostedScenes();
+}
+
+// Scenes whose message the queue refused come here in their order, once no
+// scene message waits ahead of them: after each scene message, and on the
+// status timer, whose message no full queue can refuse.
+void CPreScanDlg::TakeUnpostedScenes()
+{
+    MSG msg;
+    int nRow, bBegun;
+    while (IsWindow() && !PeekMessageA(&msg, m_hWnd, WM_PRESCAN_SCENE, WM_PRESCAN_SCENE, PM_NOREMOVE) &&
+           TakeUnpostedScene(nRow, bBegun))
+        OnPreScanScene(nRow, bBegun);
 }
 
 int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
@@ -350,10 +364,11 @@ void CPreScanDlg::FlushLateSceneMessages()
 {
     g_nLateSceneMsgs = 0;
     // The backlog is dropped, never handled: taken out past the dialog's
-    // message handling.
+    // message handling, with the scenes that could not be posted.
     MSG msg;
     while (CDialog::TakeMessage(&msg, WM_USER, WM_PRESCAN_SCENE)) {
     }
+    DropUnpostedScenes();
     if (g_bStopScan) {
         ClearIncompleteScenes(*this, 1);
         RestoreControlsAfterStop();

@@ -6,6 +6,7 @@
 #include "session/Session.h"
 
 #include <cstring>
+#include <deque>
 #include <new>
 
 qv::PtrArray<SceneRecord> g_arScenes;
@@ -59,16 +60,37 @@ bool OnThreadOf(HWND hWnd)
     return hWnd && GetWindowThreadProcessId(hWnd, nullptr) == GetCurrentThreadId();
 }
 
+// Scene notifications that the dialog's queue refused, oldest first.
+struct UnpostedScene {
+    int nRow;
+    int bBegun;
+};
+std::deque<UnpostedScene> g_unposted;
+
 // Tells the dialog that a row begins or completes.  In a quick scan, or when
 // the host calls from a thread other than the dialog's, the message is
-// posted: the feed then does no window work of its own.
+// posted: the feed then does no window work of its own.  A full queue refuses
+// a posted message; the scene then waits here until the dialog takes it
+// (TakeUnpostedScene), and every later scene waits behind it, so the dialog
+// still sees them all, in order.
 void NotifyDialog(SceneFeedTarget& dlg, int nRow, int bBegun)
 {
     HWND hWnd = dlg.FeedWindow();
-    if (IsQuickScan() || !OnThreadOf(hWnd))
-        PostMessageA(hWnd, WM_PRESCAN_SCENE, static_cast<WPARAM>(nRow), bBegun);
-    else
+    if (!IsQuickScan() && OnThreadOf(hWnd)) {
         dlg.OnPreScanScene(nRow, bBegun);
+        return;
+    }
+    {
+        qv::SceneLockGuard lock(g_csScenes);
+        if (!lock.Held()) return;
+        if (!g_unposted.empty()) {
+            g_unposted.push_back({nRow, bBegun});
+            return;
+        }
+    }
+    if (PostMessageA(hWnd, WM_PRESCAN_SCENE, static_cast<WPARAM>(nRow), bBegun)) return;
+    qv::SceneLockGuard lock(g_csScenes);
+    if (lock.Held() && IsWindow(hWnd)) g_unposted.push_back({nRow, bBegun});
 }
 
 void FreeAll(qv::PtrArray<SceneInfo>& queue)
@@ -314,6 +336,22 @@ int ClearIncompleteScenes(SceneFeedTarget& dlg, int bForce)
     return nCompleted;
 }
 
+bool TakeUnpostedScene(int& nRow, int& bBegun)
+{
+    qv::SceneLockGuard lock(g_csScenes);
+    if (!lock.Held() || g_unposted.empty()) return false;
+    nRow = g_unposted.front().nRow;
+    bBegun = g_unposted.front().bBegun;
+    g_unposted.pop_front();
+    return true;
+}
+
+void DropUnpostedScenes()
+{
+    qv::SceneLockGuard lock(g_csScenes);
+    g_unposted.clear();
+}
+
 void ResetSceneCounters(int nCompletedScenes)
 {
     g_nBeginCount = 0;
@@ -359,6 +397,7 @@ void FreeSceneStore()
     g_arMergeGroups.RemoveAll();
     FreeAll(g_arQuickBegins);
     FreeAll(g_arQuickEnds);
+    g_unposted.clear();
 }
 
 SceneRecord* FetchScene(int nPos)
