@@ -284,7 +284,7 @@ void CPreScanDlg::TakeUnpostedScenes()
 {
     MSG msg;
     int nRow, bBegun;
-    while (IsWindow() && !PeekMessageA(&msg, m_hWnd, WM_PRESCAN_SCENE, WM_PRESCAN_SCENE, PM_NOREMOVE) &&
+    while (IsWindow() && HasUnpostedScenes() && !PeekMessageA(&msg, m_hWnd, WM_PRESCAN_SCENE, WM_PRESCAN_SCENE, PM_NOREMOVE) &&
            TakeUnpostedScene(nRow, bBegun))
         OnPreScanScene(nRow, bBegun);
 }

@@ -346,6 +346,12 @@ bool TakeUnpostedScene(int& nRow, int& bBegun)
     return true;
 }
 
+bool HasUnpostedScenes()
+{
+    qv::SceneLockGuard lock(g_csScenes);
+    return lock.Held() && !g_unposted.empty();
+}
+
 void DropUnpostedScenes()
 {
     qv::SceneLockGuard lock(g_csScenes);

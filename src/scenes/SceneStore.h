@@ -70,6 +70,7 @@ void ResetSceneCounters(int nCompletedScenes);
 // Scenes whose WM_PRESCAN_SCENE the dialog's queue refused, for the dialog
 // to handle in order: the oldest, false when none waits.
 bool TakeUnpostedScene(int& nRow, int& bBegun);
+bool HasUnpostedScenes();
 void DropUnpostedScenes();
 void FreeSceneStore();
 void FreeQuickScanQueues();
