@@ -372,6 +372,7 @@ bool CPreScanDlg::OnMessage(UINT msg, WPARAM wp, LPARAM lp, INT_PTR& result)
     switch (msg) {
     case WM_PRESCAN_SCENE:
         result = OnPreScanScene(static_cast<int>(wp), static_cast<int>(lp));
+        TakeUnpostedScenes();
         return true;
     case WM_PRESCAN_CLEAR_INCOMPLETE:
         ClearIncompleteScenes(*this, 0);

@@ -185,6 +185,7 @@ private:
     void CreateToolTips();
     void RelayToolTip(const MSG& msg);
     void FlushLateSceneMessages();
+    void TakeUnpostedScenes();
     void ShowNewestRow(int nRow);
     void OnShowNewestRow();
     std::string DefaultListPath() const;

@@ -237,9 +237,11 @@ int32_t CPreScanDlg::OnClosePreScan()
     g_bForcedStop = 0;
     if (answer == IDCANCEL) return 0;
     if (m_bBusy) StopScan();
-    // The feed ends first: a host thread still feeding finishes the call it
-    // is in (the lock waits for it) and every later call finds the lock gone,
-    // so nothing can join the table after it was freed.
+    // The feed ends first.  A host thread inside a feed call finishes only the
+    // step it holds the lock for (deleting the lock waits for that); each
+    // later step of that call, and every later call, finds the lock gone and
+    // ends, so nothing can join the table after it was freed.  Such a call
+    // may still post a scene message, which is dropped with the window.
     g_csScenes.Delete();
     m_listScenes.DeleteAllRows();
     FreeSceneStore();
@@ -270,7 +272,21 @@ void CPreScanDlg::SetStatusTimer(BOOL bOn)
 
 void CPreScanDlg::OnStatusTimer(UINT_PTR nId)
 {
-    if (nId == kStatusTimerId) UpdateTitle();
+    if (nId != kStatusTimerId) return;
+    UpdateTitle();
+    TakeUnpostedScenes();
+}
+
+// Scenes whose message the queue refused come here in their order, once no
+// scene message waits ahead of them: after each scene message, and on the
+// status timer, whose message no full queue can refuse.
+void CPreScanDlg::TakeUnpostedScenes()
+{
+    MSG msg;
+    int nRow, bBegun;
+    while (IsWindow() && HasUnpostedScenes() && !PeekMessageA(&msg, m_hWnd, WM_PRESCAN_SCENE, WM_PRESCAN_SCENE, PM_NOREMOVE) &&
+           TakeUnpostedScene(nRow, bBegun))
+        OnPreScanScene(nRow, bBegun);
 }
 
 int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
@@ -302,9 +318,12 @@ int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
     if (g_bStopScan) RestoreControlsAfterStop();
 
     if (!quick) return 1;
-    // Scene messages may queue up behind the keyboard: look for Escape here.
+    // Scene messages may queue up behind the keyboard: one key is read here,
+    // past the dialog's own key handling.  Only Escape pressed down stops the
+    // scan; any other key taken out is dropped (a letter must not reach the
+    // list, a second Escape must not close the dialog).
     MSG key;
-    if (PeekMessageA(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE) && key.message == WM_KEYDOWN &&
+    if (CDialog::TakeMessage(&key, WM_KEYFIRST, WM_KEYLAST) && key.message == WM_KEYDOWN &&
         key.wParam == VK_ESCAPE) {
         g_bStopScan = 1;
         StopCurrentOperation();
@@ -344,9 +363,12 @@ void CPreScanDlg::OnShowNewestRow()
 void CPreScanDlg::FlushLateSceneMessages()
 {
     g_nLateSceneMsgs = 0;
+    // The backlog is dropped, never handled: taken out past the dialog's
+    // message handling, with the scenes that could not be posted.
     MSG msg;
-    while (PeekMessageA(&msg, nullptr, WM_USER, WM_PRESCAN_SCENE, PM_REMOVE)) {
+    while (CDialog::TakeMessage(&msg, WM_USER, WM_PRESCAN_SCENE)) {
     }
+    DropUnpostedScenes();
     if (g_bStopScan) {
         ClearIncompleteScenes(*this, 1);
         RestoreControlsAfterStop();

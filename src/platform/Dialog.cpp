@@ -14,6 +14,7 @@ namespace {
 struct ModelessRegistry {
     std::vector<CDialog*> dialogs;
     HHOOK hook = nullptr;
+    int taking = 0;  // inside TakeMessage: the hook lets the message pass
 };
 thread_local ModelessRegistry t_modeless;
 
@@ -197,10 +198,20 @@ void CDialog::Unregister()
     }
 }
 
+BOOL CDialog::TakeMessage(MSG* pMsg, UINT first, UINT last)
+{
+    // A count rather than a flag: a message sent from another thread may be
+    // handled inside the peek and take a message of its own.
+    ++t_modeless.taking;
+    BOOL got = PeekMessageA(pMsg, nullptr, first, last, PM_REMOVE);
+    --t_modeless.taking;
+    return got;
+}
+
 LRESULT CALLBACK CDialog::GetMessageHook(int code, WPARAM wp, LPARAM lp)
 {
     HHOOK hook = t_modeless.hook;
-    if (code == HC_ACTION && wp == PM_REMOVE) {
+    if (code == HC_ACTION && wp == PM_REMOVE && t_modeless.taking == 0) {
         MSG* pMsg = reinterpret_cast<MSG*>(lp);
         try {
             for (CDialog* dlg : t_modeless.dialogs) {

@@ -36,6 +36,12 @@ public:
     // Key and mouse filtering of a modeless dialog; true = consumed.
     virtual bool PreTranslateMessage(MSG* pMsg);
 
+    // Takes one message in [first, last] out of this thread's queue for the
+    // caller alone (PeekMessage with PM_REMOVE): the thread's modeless dialogs
+    // never see it, so a message taken out to be dropped stays dropped and a
+    // key read here is acted on only by the caller.
+    static BOOL TakeMessage(MSG* pMsg, UINT first, UINT last);
+
     BOOL DestroyWindow() override;
 
     // The instance that holds the templates (the host's resource library).

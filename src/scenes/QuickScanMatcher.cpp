@@ -7,12 +7,25 @@
 namespace qv {
 namespace {
 
-// One entry of a queue, fetched under the lock; null when missing or when
-// the lock is gone (the dialog closed meanwhile).
-SceneInfo* Fetch(PtrArray<SceneInfo>& queue, int i, SceneLock& lock)
+// Copies one queue entry under the lock, so that nothing is read from an
+// entry after the lock is released (the dialog may free the queues at any
+// moment in between).  False when the entry is missing or the lock is gone
+// (the dialog closed meanwhile).
+bool CopyEntry(PtrArray<SceneInfo>& queue, int i, SceneLock& lock, SceneInfo& out)
 {
     SceneLockGuard guard(lock);
-    return guard.Held() ? queue.GetAtOrNull(i) : nullptr;
+    const SceneInfo* entry = guard.Held() ? queue.GetAtOrNull(i) : nullptr;
+    if (!entry) return false;
+    std::memcpy(&out, entry, sizeof out);
+    return true;
+}
+
+// True when begin i exists and starts at `dwTimeCodeIn`; compared under the lock.
+bool BeginStartsAt(PtrArray<SceneInfo>& begins, int i, SceneLock& lock, uint32_t dwTimeCodeIn)
+{
+    SceneLockGuard guard(lock);
+    const SceneInfo* begin = guard.Held() ? begins.GetAtOrNull(i) : nullptr;
+    return begin && begin->dwTimeCodeIn == dwTimeCodeIn;
 }
 
 } // namespace
@@ -29,13 +42,18 @@ int MatchQuickScanEnd(QuickScanQueues& q, int nQuickScanSpeed, int nCompletedSce
                       SceneInfo* out)
 {
     if (nQuickScanSpeed <= 0) return 0;
-    int nBegins = q.begins.GetSize();
-    int nEnds = q.ends.GetSize();
+    int nBegins, nEnds;
+    {
+        SceneLockGuard guard(q.lock);
+        if (!guard.Held()) return -1;
+        nBegins = q.begins.GetSize();
+        nEnds = q.ends.GetSize();
+    }
     if (nEnds < 1) return -1;
 
+    SceneInfo end;
     for (int j = 0; j < nEnds; ++j) {
-        SceneInfo* end = Fetch(q.ends, j, q.lock);
-        if (!end) return -1;
+        if (!CopyEntry(q.ends, j, q.lock, end)) return -1;
         int p = q.matchPos;
         if (p >= nBegins) {
             // The cursor ran past the queued begins: search again from the
@@ -48,9 +66,8 @@ int MatchQuickScanEnd(QuickScanQueues& q, int nQuickScanSpeed, int nCompletedSce
             return -1;
         }
         for (int i = p; i < nBegins; ++i) {
-            SceneInfo* begin = Fetch(q.begins, i, q.lock);
-            if (!begin || begin->dwTimeCodeIn != end->dwTimeCodeIn) continue;
-            if (out) std::memcpy(out, end, sizeof *out);
+            if (!BeginStartsAt(q.begins, i, q.lock, end.dwTimeCodeIn)) continue;
+            if (out) std::memcpy(out, &end, sizeof *out);
             q.matchPos = i + 1;
             SceneLockGuard guard(q.lock);
             if (guard.Held() && !q.ends.IsEmpty()) {

@@ -17,7 +17,7 @@ struct QuickScanQueues {
     PtrArray<SceneInfo>& begins;   // every begin of this scan, in arrival order
     PtrArray<SceneInfo>& ends;     // ends waiting to be paired, oldest first
     int& matchPos;                 // where the next search starts
-    SceneLock& lock;               // held for each single fetch
+    SceneLock& lock;               // held for each read: a size, one entry
 };
 
 // True when `end` may join the end queue: it must be later than the newest

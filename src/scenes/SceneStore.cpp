@@ -6,6 +6,7 @@
 #include "session/Session.h"
 
 #include <cstring>
+#include <deque>
 #include <new>
 
 qv::PtrArray<SceneRecord> g_arScenes;
@@ -59,16 +60,37 @@ bool OnThreadOf(HWND hWnd)
     return hWnd && GetWindowThreadProcessId(hWnd, nullptr) == GetCurrentThreadId();
 }
 
+// Scene notifications that the dialog's queue refused, oldest first.
+struct UnpostedScene {
+    int nRow;
+    int bBegun;
+};
+std::deque<UnpostedScene> g_unposted;
+
 // Tells the dialog that a row begins or completes.  In a quick scan, or when
 // the host calls from a thread other than the dialog's, the message is
-// posted: the feed then does no window work of its own.
+// posted: the feed then does no window work of its own.  A full queue refuses
+// a posted message; the scene then waits here until the dialog takes it
+// (TakeUnpostedScene), and every later scene waits behind it, so the dialog
+// still sees them all, in order.
 void NotifyDialog(SceneFeedTarget& dlg, int nRow, int bBegun)
 {
     HWND hWnd = dlg.FeedWindow();
-    if (IsQuickScan() || !OnThreadOf(hWnd))
-        PostMessageA(hWnd, WM_PRESCAN_SCENE, static_cast<WPARAM>(nRow), bBegun);
-    else
+    if (!IsQuickScan() && OnThreadOf(hWnd)) {
         dlg.OnPreScanScene(nRow, bBegun);
+        return;
+    }
+    {
+        qv::SceneLockGuard lock(g_csScenes);
+        if (!lock.Held()) return;
+        if (!g_unposted.empty()) {
+            g_unposted.push_back({nRow, bBegun});
+            return;
+        }
+    }
+    if (PostMessageA(hWnd, WM_PRESCAN_SCENE, static_cast<WPARAM>(nRow), bBegun)) return;
+    qv::SceneLockGuard lock(g_csScenes);
+    if (lock.Held() && IsWindow(hWnd)) g_unposted.push_back({nRow, bBegun});
 }
 
 void FreeAll(qv::PtrArray<SceneInfo>& queue)
@@ -121,7 +143,10 @@ void AddSceneBegin(SceneFeedTarget& dlg, const SceneInfo& scene, const ThumbHead
 {
     OwnedBlock copy(qv::CopyBlock(&scene, sizeof scene));
     if (!copy.Get()) return;
-    int nRow;
+    int nRow = -1;
+    bool stopped = false;
+    // The lock covers the tables only: everything that reaches the dialog
+    // (clearing rows, the title, host requests) runs after it is released.
     {
         qv::SceneLockGuard lock(g_csScenes);
         if (!lock.Held()) return;  // the dialog has gone
@@ -131,39 +156,41 @@ void AddSceneBegin(SceneFeedTarget& dlg, const SceneInfo& scene, const ThumbHead
         if (IsQuickScan()) g_arQuickBegins.Add(static_cast<SceneInfo*>(copy.Release()));
 
         if (g_bStopScan) {
-            // A stop was asked for: no record is added.  In a quick scan the
-            // scene left open at the stop goes; from a host thread the dialog
-            // is asked to do that on its own thread.
-            if (IsQuickScan()) {
-                if (OnThreadOf(dlg.FeedWindow()))
-                    ClearIncompleteScenes(dlg, 0);
-                else
-                    PostMessageA(dlg.FeedWindow(), WM_PRESCAN_CLEAR_INCOMPLETE, 0, 0);
+            stopped = true;  // a stop was asked for: no record is added
+        } else {
+            // Every block is made before anything joins the table: when memory
+            // runs short the scene is dropped whole and the tables stay in step.
+            OwnedBlock recordBlock(qv::AllocBlock(sizeof(SceneRecord)));
+            if (!recordBlock.Get()) return;
+            ThumbnailCopy thumb;
+            bool withThumbnail = nThumbSize != 0 && pHeader && pBits;
+            if (withThumbnail) {
+                thumb = CopyThumbnail(pHeader, pBits, scene.dwThumbSize);
+                if (!thumb.header || !thumb.bits) return;
+                g_arThumbHeaders.Add(thumb.header);
+                g_arThumbBits.Add(thumb.bits);
             }
-            return;
-        }
+            g_bHaveThumbnails = withThumbnail ? 1 : 0;
 
-        // Every block is made before anything joins the table: when memory
-        // runs short the scene is dropped whole and the tables stay in step.
-        OwnedBlock recordBlock(qv::AllocBlock(sizeof(SceneRecord)));
-        if (!recordBlock.Get()) return;
-        ThumbnailCopy thumb;
-        bool withThumbnail = nThumbSize != 0 && pHeader && pBits;
-        if (withThumbnail) {
-            thumb = CopyThumbnail(pHeader, pBits, scene.dwThumbSize);
-            if (!thumb.header || !thumb.bits) return;
-            g_arThumbHeaders.Add(thumb.header);
-            g_arThumbBits.Add(thumb.bits);
+            auto* record = static_cast<SceneRecord*>(recordBlock.Release());
+            std::memcpy(record, &scene, sizeof scene);
+            record->dwThumbSize = thumb.bytes;  // what the table holds, whatever the host said
+            record->nIndex = nCompleted;
+            record->bMerged = 0;
+            record->bMarked = 0;
+            nRow = g_arScenes.Add(record);
         }
-        g_bHaveThumbnails = withThumbnail ? 1 : 0;
-
-        auto* record = static_cast<SceneRecord*>(recordBlock.Release());
-        std::memcpy(record, &scene, sizeof scene);
-        record->dwThumbSize = thumb.bytes;  // what the table holds, whatever the host said
-        record->nIndex = nCompleted;
-        record->bMerged = 0;
-        record->bMarked = 0;
-        nRow = g_arScenes.Add(record);
+    }
+    if (stopped) {
+        // In a quick scan the scene left open at the stop goes; from a host
+        // thread the dialog is asked to do that on its own thread.
+        if (IsQuickScan()) {
+            if (OnThreadOf(dlg.FeedWindow()))
+                ClearIncompleteScenes(dlg, 0);
+            else
+                PostMessageA(dlg.FeedWindow(), WM_PRESCAN_CLEAR_INCOMPLETE, 0, 0);
+        }
+        return;
     }
     NotifyDialog(dlg, nRow, 1);
     g_bSceneOpen = 1;
@@ -309,6 +336,28 @@ int ClearIncompleteScenes(SceneFeedTarget& dlg, int bForce)
     return nCompleted;
 }
 
+bool TakeUnpostedScene(int& nRow, int& bBegun)
+{
+    qv::SceneLockGuard lock(g_csScenes);
+    if (!lock.Held() || g_unposted.empty()) return false;
+    nRow = g_unposted.front().nRow;
+    bBegun = g_unposted.front().bBegun;
+    g_unposted.pop_front();
+    return true;
+}
+
+bool HasUnpostedScenes()
+{
+    qv::SceneLockGuard lock(g_csScenes);
+    return lock.Held() && !g_unposted.empty();
+}
+
+void DropUnpostedScenes()
+{
+    qv::SceneLockGuard lock(g_csScenes);
+    g_unposted.clear();
+}
+
 void ResetSceneCounters(int nCompletedScenes)
 {
     g_nBeginCount = 0;
@@ -354,6 +403,7 @@ void FreeSceneStore()
     g_arMergeGroups.RemoveAll();
     FreeAll(g_arQuickBegins);
     FreeAll(g_arQuickEnds);
+    g_unposted.clear();
 }
 
 SceneRecord* FetchScene(int nPos)

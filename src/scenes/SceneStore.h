@@ -67,6 +67,11 @@ void SetCaptureFileName(SceneFeedTarget& dlg, int nNumber, const char* pszPath);
 // returns the completed count.
 int ClearIncompleteScenes(SceneFeedTarget& dlg, int bForce);
 void ResetSceneCounters(int nCompletedScenes);
+// Scenes whose WM_PRESCAN_SCENE the dialog's queue refused, for the dialog
+// to handle in order: the oldest, false when none waits.
+bool TakeUnpostedScene(int& nRow, int& bBegun);
+bool HasUnpostedScenes();
+void DropUnpostedScenes();
 void FreeSceneStore();
 void FreeQuickScanQueues();
 

@@ -34,7 +34,6 @@ void DialogFixture::TearDown()
     PumpPending();
     g_bStopScan = 0;
     g_bForcedStop = 0;
-    g_nLateSceneMsgs = 0;
 }
 
 void DialogFixture::OpenDialog()
