@@ -3,25 +3,21 @@
 #include "platform/MemoryBlock.h"
 #include "sceneops/SceneListCodec.h"
 
-#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <unistd.h>
 
 namespace {
 
+// Reads every record text it is handed (so an unterminated one shows) and
+// frees every block.
 struct FreeingSink : qv::SceneListSink {
     size_t textBytes = 0;
-    void OnHeader(const qv::SceneListInfo& info) override
-    {
-        textBytes += info.tapeName.size() + info.tapeDescription.size() + info.captureFolder.size();
-    }
+    void OnHeader(const qv::SceneListInfo&) override {}
     bool OnEntry(int, SceneRecord* r, ThumbHeader* h, uint8_t* b) override
     {
         textBytes += std::string(r->szComment).size() + std::string(r->szCaptureFile).size();
-        qv::FreeBlock(r);
-        qv::FreeBlock(h);
-        qv::FreeBlock(b);
+        qv::FreeBlock(r), qv::FreeBlock(h), qv::FreeBlock(b);
         return true;
     }
 };

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Writes the seed corpus of the scene list reader (small valid files of
 every version and a few damaged ones) and expected.txt, how the reading of
-each ends and how many scenes it delivers.  Run from anywhere:
+each ends and how many scenes it delivers (a file the fuzzer finds gets
+its line there by hand).  Run from anywhere:
     python3 tests/fuzz/make_seeds.py
 """
 import os
@@ -64,8 +65,6 @@ def main():
         with open(os.path.join(OUT, name), "wb") as f:
             f.write(data)
     with open(os.path.join(HERE, "expected.txt"), "w") as f:
-        f.write("# corpus file, how its reading ends, scenes delivered (written by make_seeds.py;\n"
-                "# a file the fuzzer finds gets its line by hand)\n")
         for name in sorted(files):
             f.write("%-24s %-10s %d\n" % ((name,) + expected[name]))
 

@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <cstring>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -21,31 +20,24 @@
 
 namespace {
 
-HINSTANCE Library()
-{
-    static HINSTANCE lib = LoadLibraryA("qvCaptureRC.dll");
-    return lib;
-}
+const HINSTANCE kLibrary = LoadLibraryA("qvCaptureRC.dll");
 
 std::string Text(UINT id)
 {
     char text[2048] = "";
-    LoadStringA(Library(), id, text, sizeof text);
-    return text;
+    return LoadStringA(kLibrary, id, text, sizeof text) ? text : "";
 }
 
 std::string ClassOf(HWND h)
 {
     char name[64] = "";
-    GetClassNameA(h, name, sizeof name);
-    return name;
+    return GetClassNameA(h, name, sizeof name) ? name : "";
 }
 
 std::string WindowText(HWND h)
 {
     char text[512] = "";
-    GetWindowTextA(h, text, sizeof text);
-    return text;
+    return GetWindowTextA(h, text, sizeof text) ? text : "";
 }
 
 LONG Style(HWND h) { return GetWindowLongA(h, GWL_STYLE); }
@@ -54,11 +46,9 @@ LONG Style(HWND h) { return GetWindowLongA(h, GWL_STYLE); }
 std::string Conversions(const std::string& s)
 {
     std::string out;
-    for (size_t i = 0; i + 1 < s.size(); ++i) {
-        if (s[i] != '%') continue;
-        for (++i; i < s.size() && std::strchr("-+ #0123456789.l", s[i]);) ++i;
-        if (i < s.size() && s[i] != '%') out += std::string("%") + s[i];
-    }
+    const std::regex conversion("%[-+ #0-9.l]*([a-zA-Z%])");
+    for (std::sregex_iterator i(s.begin(), s.end(), conversion), end; i != end; ++i)
+        if ((*i)[1] != "%") out += "%" + (*i)[1].str();
     return out;
 }
 
@@ -69,14 +59,9 @@ char AccessKey(const std::string& text)
     return char(std::tolower(static_cast<unsigned char>(text[amp + 1])));
 }
 
-INT_PTR CALLBACK NoOpProc(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
-
 // The pre-scan dialog, the options dialog and the file dialog's extra area
 // (a child template), each with its controls in Tab order.
-struct Template {
-    HWND dlg;
-    std::vector<HWND> controls;
-};
+struct Template { HWND dlg; std::vector<HWND> controls; };
 const std::vector<Template>& Templates()
 {
     static std::vector<Template> all = [] {
@@ -86,7 +71,7 @@ const std::vector<Template>& Templates()
         std::vector<Template> t;
         for (auto [name, parent] : {std::pair{MAKEINTRESOURCEA(IDD_PRESCAN), HWND(nullptr)},
                                     {MAKEINTRESOURCEA(IDD_SCAN_OPTIONS), nullptr}, {IDD_FILEOPENSAVE, host}}) {
-            t.push_back({CreateDialogParamA(Library(), name, parent, NoOpProc, 0), {}});
+            t.push_back({CreateDialogParamA(kLibrary, name, parent, [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0), {}});
             for (HWND c = GetWindow(t.back().dlg, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT)) t.back().controls.push_back(c);
         }
         return t;
@@ -98,29 +83,24 @@ const std::vector<Template>& Templates()
 int TextWidth(HWND control, const std::string& text)
 {
     HDC dc = GetDC(control);
-    HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
+    SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
     RECT rc = {0, 0, 0, 0};
     DrawTextA(dc, text.c_str(), -1, &rc, DT_CALCRECT | DT_SINGLELINE);
-    SelectObject(dc, old);
     ReleaseDC(control, dc);
     return rc.right;
 }
 
-// Room a control leaves for its text, or -1 if it draws none of its own.
-int TextRoom(HWND control)
+// Room a control leaves for its text (beside a check box's box, a list's
+// arrow), or -1 if it draws none of its own.
+int TextRoom(HWND c)
 {
     RECT rc;
-    GetClientRect(control, &rc);
-    std::string cls = ClassOf(control);
-    if (cls == "Static") return rc.right;
-    if (cls == "ComboBox") return rc.right - GetSystemMetrics(SM_CXVSCROLL) - 4;
-    if (cls != "Button") return -1;
-    switch (Style(control) & BS_TYPEMASK) {
-    case BS_PUSHBUTTON: case BS_DEFPUSHBUTTON: return rc.right - 8;
-    case BS_AUTOCHECKBOX: case BS_CHECKBOX: return rc.right - GetSystemMetrics(SM_CXMENUCHECK) - 4;
-    case BS_GROUPBOX: return rc.right - 16;
-    default: return -1;
-    }
+    GetClientRect(c, &rc);
+    LONG type = Style(c) & BS_TYPEMASK;
+    if (ClassOf(c) == "Static") return rc.right;
+    if (ClassOf(c) == "ComboBox") return rc.right - GetSystemMetrics(SM_CXVSCROLL) - 4;
+    if (ClassOf(c) != "Button" || type == BS_OWNERDRAW) return -1;
+    return rc.right - (type <= BS_DEFPUSHBUTTON ? 8 : type == BS_GROUPBOX ? 16 : GetSystemMetrics(SM_CXMENUCHECK) + 4);
 }
 
 } // namespace
@@ -136,44 +116,33 @@ TEST(ResourceLibrary, EveryTextIsThereWithTheArgumentsItIsGiven)
     for (std::string line; std::getline(header, line);) {
         if (!std::regex_search(line, m, define)) continue;
         std::string text = Text(UINT(std::stoul(m[2])));
-        ++strings;
         EXPECT_FALSE(text.empty()) << m[1];
+        ++strings;
         EXPECT_EQ(Conversions(text), Conversions(m[3])) << m[1];
     }
     EXPECT_GT(strings, 40) << "ResourceIds.h was not read";
 }
 
-TEST(ResourceLibrary, EveryCaptionAndSwappedTextFits)
-{
-    ASSERT_TRUE(Templates()[0].dlg && Templates()[1].dlg && Templates()[2].dlg);
-    for (const Template& t : Templates())
-        for (HWND c : t.controls)
-            if (!WindowText(c).empty() && TextRoom(c) >= 0 && ClassOf(c) != "ComboBox")
-                EXPECT_LE(TextWidth(c, WindowText(c)), TextRoom(c)) << WindowText(c) << " is cut off";
-    // Texts the module puts in at run time, and the tips of the pre-scan dialog.
-    HWND dlg = Templates()[0].dlg, markAll = GetDlgItem(dlg, IDC_MARK_ALL), combo = GetDlgItem(dlg, IDC_SCAN_METHOD);
-    for (UINT id : {IDS_MARK_ALL, IDS_UNMARK_ALL}) EXPECT_LE(TextWidth(markAll, Text(id)), TextRoom(markAll)) << id;
-    for (UINT id : {IDS_SCAN_METHOD_1, IDS_SCAN_METHOD_2, IDS_SCAN_METHOD_3})
-        EXPECT_LE(TextWidth(combo, Text(id)), TextRoom(combo)) << id;
-    for (HWND c : Templates()[0].controls) {
-        int id = GetDlgCtrlID(c);
-        if (id > 0 && id != IDC_PREVIEW_VIDEO) EXPECT_TRUE(!Text(id).empty() && Text(id).size() < 256) << "tip " << id;
-    }
-}
-
-TEST(ResourceLibrary, ControlsStayInsideAndApart)
+// Every caption fits its control, every control stays inside its dialog and
+// off the others, and every control of the pre-scan dialog has a tip.
+TEST(ResourceLibrary, CaptionsFitAndControlsStayApart)
 {
     const std::set<int> pictures = {IDC_VIEW_MODE, IDC_CAPTURE, IDC_PREVIEW, IDC_GOTO, IDC_MERGE_SCENES, IDC_SPLIT_SCENE};
     for (const Template& t : Templates()) {
-        RECT client;
+        ASSERT_TRUE(t.dlg);
+        RECT client, rc, inside, overlap;
         GetClientRect(t.dlg, &client);
         MapWindowPoints(t.dlg, nullptr, reinterpret_cast<POINT*>(&client), 2);
         std::map<int, RECT> placed;
         for (HWND c : t.controls) {
             int id = GetDlgCtrlID(c);
-            RECT rc, inside, overlap;
-            GetWindowRect(c, &rc);
+            std::string text = WindowText(c);
+            if (!text.empty() && TextRoom(c) >= 0)
+                EXPECT_LE(TextWidth(c, text), TextRoom(c)) << text << " is cut off";
+            if (t.dlg == Templates()[0].dlg && id > 0 && id != IDC_PREVIEW_VIDEO)
+                EXPECT_TRUE(!Text(id).empty() && Text(id).size() < 256) << "tip " << id;
             // The picture buttons take their bitmap's size at run time, top-left kept.
+            GetWindowRect(c, &rc);
             if (pictures.count(id)) rc = {rc.left, rc.top, rc.left + (id == IDC_PREVIEW ? 32 : 24), rc.top + 22};
             EXPECT_TRUE(IntersectRect(&inside, &rc, &client) && EqualRect(&inside, &rc)) << id << " leaves its dialog";
             // Split takes merge's place; group boxes hold other controls.
@@ -184,6 +153,11 @@ TEST(ResourceLibrary, ControlsStayInsideAndApart)
             placed[id] = rc;
         }
     }
+    // Texts the module puts in at run time.
+    HWND dlg = Templates()[0].dlg, markAll = GetDlgItem(dlg, IDC_MARK_ALL), combo = GetDlgItem(dlg, IDC_SCAN_METHOD);
+    for (UINT id : {IDS_MARK_ALL, IDS_UNMARK_ALL}) EXPECT_LE(TextWidth(markAll, Text(id)), TextRoom(markAll)) << id;
+    for (UINT id : {IDS_SCAN_METHOD_1, IDS_SCAN_METHOD_2, IDS_SCAN_METHOD_3})
+        EXPECT_LE(TextWidth(combo, Text(id)), TextRoom(combo)) << id;
 }
 
 TEST(ResourceLibrary, AccessKeysAreUniqueAndReachAField)
@@ -204,6 +178,5 @@ TEST(ResourceLibrary, AccessKeysAreUniqueAndReachAField)
         EXPECT_FALSE(keys.empty());
     }
     // The mark-all button keeps its key whichever text it shows.
-    EXPECT_NE(AccessKey(Text(IDS_MARK_ALL)), 0);
-    EXPECT_EQ(AccessKey(Text(IDS_MARK_ALL)), AccessKey(Text(IDS_UNMARK_ALL)));
+    EXPECT_TRUE(AccessKey(Text(IDS_MARK_ALL)) && AccessKey(Text(IDS_MARK_ALL)) == AccessKey(Text(IDS_UNMARK_ALL)));
 }

@@ -1,5 +1,5 @@
-// Name rules on the user's text: trimming, the capture extension, name
-// kinds, joining and splitting paths, double-byte code pages included.
+// Name rules on the user's text: trimming, name kinds, the capture
+// extension, double-byte code pages included.
 #include "session/NameRules.h"
 
 #include <gtest/gtest.h>
@@ -24,12 +24,10 @@ TEST(NameRules, TrimAndKinds)
         {"clip.", "clip.", FILE_NAME_NO_EXTENSION}, {"  a.b  ", "a.b", FILE_NAME_HAS_EXTENSION},
         {"C:\\x\\clip..avi", "C:\\x\\clip..avi", FILE_NAME_HAS_EXTENSION}};
     for (const Row& r : rows) {
-        char trim[32], kind[32];
-        std::strcpy(trim, r.text);
-        std::strcpy(kind, r.text);
-        EXPECT_EQ(TrimBlanks(trim), r.trimmed[0] != 0) << r.text;
-        EXPECT_STREQ(trim, r.trimmed);
-        EXPECT_EQ(ClassifyFileName(kind), r.kind) << r.text;
+        char text[32];
+        EXPECT_EQ(TrimBlanks(std::strcpy(text, r.text)), r.trimmed[0] != 0) << r.text;
+        EXPECT_STREQ(text, r.trimmed);
+        EXPECT_EQ(ClassifyFileName(std::strcpy(text, r.text)), r.kind) << r.text;
     }
     EXPECT_EQ(ClassifyFileName(nullptr), FILE_NAME_NULL);
 }
@@ -52,33 +50,17 @@ TEST(NameRules, CaptureExtension)
         EXPECT_EQ(ApplyExtension(buf, r.cb, r.ext.c_str()), r.whole) << r.name << " " << r.cb;
         EXPECT_EQ(std::string(buf), r.expected) << r.name << " " << r.cb;
     }
-    char name[32] = "ab\x81.cd.mpg", single[32] = "ab\x81.cd.mpg";  // "\x81." is one double-byte character
+}
+
+// Joining and splitting paths are the index file name's and the capture
+// file setting's tables (session tests); the code page rules are here.
+TEST(NameRules, DoubleByteCharactersAreNeverSplit)
+{
+    char name[32] = "ab\x81.cd.mpg", single[32] = "ab\x81.cd.mpg";  // "\x81." is one character
     CutAtFirstExtension(name, ShiftJisLead);
     CutAtFirstExtension(single);
     EXPECT_STREQ(name, "ab\x81.cd");
     EXPECT_STREQ(single, "ab\x81");
-}
-
-TEST(NameRules, JoinAndSplitPaths)
-{
-    struct Join { const char* folder; size_t cb; const char* expected; bool fits; } joins[] = {
-        {"D:\\Video", 260, "D:\\Video\\PSIndex.avi", true}, {"D:\\", 260, "D:\\PSIndex.avi", true},
-        {"", 260, "\\PSIndex.avi", true}, {"D:\\Video", 21, "D:\\Video\\PSIndex.avi", true},
-        {"D:\\Video", 12, "D:\\Video\\PS", false}};
-    for (const Join& j : joins) {
-        char out[260];
-        EXPECT_EQ(JoinFolderAndName(out, j.cb, j.folder, "PSIndex.avi"), j.fits) << j.folder << " " << j.cb;
-        EXPECT_STREQ(out, j.expected);
-    }
-    struct Split { const char* path; size_t cbName; const char *folder, *name; } splits[] = {
-        {"D:\\Video\\Tape.avi", 100, "D:\\Video\\", "Tape.avi"}, {"Tape.avi", 100, "", "Tape.avi"},
-        {"D:\\Video\\A-very-long-name.avi", 5, "D:\\Video\\", "A-ve"}};
-    for (const Split& s : splits) {
-        char folder[260], name[100];
-        SplitPath(s.path, folder, sizeof folder, name, s.cbName);
-        EXPECT_STREQ(folder, s.folder);
-        EXPECT_STREQ(name, s.name);
-    }
     char path[] = "D:\\\x81\\";  // the last byte is the trail byte of one character
     EXPECT_FALSE(EndsWithBackslash(path, ShiftJisLead));
     EXPECT_TRUE(EndsWithBackslash(path));
