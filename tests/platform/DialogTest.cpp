@@ -10,8 +10,7 @@
 
 namespace {
 
-const UINT IDD_TEST_DIALOG = 100, WM_TEST_PRIVATE = WM_USER + 1, NM_TEST_FAILS = 0x7777;
-const int IDC_TEST_EDIT = 101;
+enum : UINT { IDD_TEST_DIALOG = 100, IDC_TEST_EDIT = 101, WM_TEST_PRIVATE = WM_USER + 1, NM_TEST_FAILS = 0x7777 };
 
 class TestDialog : public CDialog {
 public:

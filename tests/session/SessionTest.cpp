@@ -23,9 +23,9 @@ namespace {
 const char kShellFolders[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 
 // Points the user's documents folder elsewhere (null: nowhere).
-void SetPersonal(const char* v)
+void SetPersonal(const char* v, DWORD type = REG_SZ)
 {
-    v ? RegSetKeyValueA(HKEY_CURRENT_USER, kShellFolders, "Personal", REG_SZ, v, strlen(v) + 1)
+    v ? RegSetKeyValueA(HKEY_CURRENT_USER, kShellFolders, "Personal", type, v, strlen(v) + 1)
       : RegDeleteKeyValueA(HKEY_CURRENT_USER, kShellFolders, "Personal");
 }
 
@@ -74,15 +74,15 @@ TEST_F(SessionTest, InitStartsOverEachTimeAndUnInitEndsIt)
 TEST_F(SessionTest, EmptySettingsFileGetsDefaultsUnderTheDocumentsFolder)
 {
     const std::string docs = MakeTempDir("Docs"), name = qv::LoadResString(IDS_DEFAULT_CAPTURE_NAME) + ".avi";
-    struct Row { const char* personal; std::string folder; bool made; } rows[] = {  // null: no value
-        {docs.c_str(), docs + "\\" + Title(), true}, {nullptr, "C:\\My Documents\\" + Title(), true},
-        {"Q:\\no such drive", "Q:\\no such drive", false}};
+    struct Row { const char* personal; DWORD type; std::string folder; bool made; } rows[] = {  // null: no value
+        {docs.c_str(), REG_SZ, docs + "\\" + Title(), true}, {docs.c_str(), REG_EXPAND_SZ, docs + "\\" + Title(), true},
+        {nullptr, 0, "C:\\My Documents\\" + Title(), true}, {"Q:\\no such drive", REG_SZ, "Q:\\no such drive", false}};
     char saved[MAX_PATH] = "";
     DWORD cb = sizeof saved;
     bool had = !RegGetValueA(HKEY_CURRENT_USER, kShellFolders, "Personal", RRF_RT_REG_SZ, nullptr, saved, &cb);
     for (const Row& r : rows) {
         SCOPED_TRACE(r.folder);
-        SetPersonal(r.personal);
+        SetPersonal(r.personal, r.type);
         DeleteIni();
         Init();
         EXPECT_EQ(std::string(g_session.szSavePSFDir), r.folder);
@@ -93,7 +93,7 @@ TEST_F(SessionTest, EmptySettingsFileGetsDefaultsUnderTheDocumentsFolder)
         EXPECT_EQ(qfdIsDirA(r.folder.c_str()) != FALSE, r.made);
     }
     SetPersonal(had ? saved : nullptr);
-    RemoveDirectoryA(rows[1].folder.c_str()), RemoveDirectoryA("C:\\My Documents");
+    RemoveDirectoryA(rows[2].folder.c_str()), RemoveDirectoryA("C:\\My Documents");
     EXPECT_EQ(g_session.szProductionLibFolder, qv::LoadResString(IDS_DEFAULT_LIBRARY_FOLDER));
     EXPECT_EQ(g_session.nScanMethodIndex, 2);
 }
@@ -156,4 +156,5 @@ TEST_F(SessionTest, EnsureFolderExistsAsksAndAnswers)
         responder.Verify();
     }
     EXPECT_EQ(EnsureFolderExists(nullptr), FOLDER_NO_ARGUMENT);
+    EXPECT_FALSE(qfIsFileExistA(base.c_str())) << "a folder is no file to preview";
 }
