@@ -1,12 +1,15 @@
 #!/usr/bin/env python3
-"""Writes the seed corpus of the scene list reader: small valid files of
-every version and a few damaged ones.  Run from anywhere:
+"""Writes the seed corpus of the scene list reader (small valid files of
+every version and a few damaged ones) and expected.txt, how the reading of
+each ends and how many scenes it delivers (a file the fuzzer finds gets
+its line there by hand).  Run from anywhere:
     python3 tests/fuzz/make_seeds.py
 """
 import os
 import struct
 
-OUT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "corpus")
+HERE = os.path.dirname(os.path.abspath(__file__))
+OUT = os.path.join(HERE, "corpus")
 
 
 def header(count, version, name=b"Tape", description=b"Seed, with \"quotes\"\nand a line"):
@@ -35,6 +38,18 @@ def entry(tc_in, tc_out, comment=b"", marked=0):
 def main():
     os.makedirs(OUT, exist_ok=True)
     files = {}
+    # name: (how the reading ends, scenes delivered)
+    expected = {
+        "v3-two-scenes.psf": ("complete", 2),
+        "v2-one-scene.psf": ("complete", 1),
+        "v1-frame-counts.psf": ("complete", 1),
+        "v0-shared-header.psf": ("complete", 1),
+        "empty-list.psf": ("complete", 0),
+        "truncated-entry.psf": ("truncated", 0),
+        "lying-pixel-count.psf": ("truncated", 0),
+        "negative-count.psf": ("complete", 0),     # read as an empty list
+        "short-header.psf": ("truncated", 0),     # the rest of the header reads as zero
+    }
     v3 = header(2, 3) + entry(0x00000A00, 0x00001400, b"first", marked=1) + entry(0x00001E00, 0x00002800, b"second")
     files["v3-two-scenes.psf"] = v3
     files["v2-one-scene.psf"] = header(1, 2) + entry(0x00000A00, 0x00001400)
@@ -49,6 +64,9 @@ def main():
     for name, data in files.items():
         with open(os.path.join(OUT, name), "wb") as f:
             f.write(data)
+    with open(os.path.join(HERE, "expected.txt"), "w") as f:
+        for name in sorted(files):
+            f.write("%-24s %-10s %d\n" % ((name,) + expected[name]))
 
 
 if __name__ == "__main__":

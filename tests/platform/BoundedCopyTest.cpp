@@ -1,84 +1,39 @@
+// Copies into fixed fields: a text at the field's limit is kept whole, one
+// past it is cut and reported, and nothing is written outside the field.
 #include "platform/BoundedCopy.h"
+#include "support/Portable.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <functional>
 #include <string>
 
 using namespace qv;
 
-namespace {
-
-// A field with guard bytes on both sides: any write outside it shows.
-template <size_t N> struct Guarded {
-    char before[8];
-    char field[N];
-    char after[8];
-    Guarded() { std::memset(this, '#', sizeof *this); }
-    bool GuardsIntact() const
-    {
-        for (char c : before) if (c != '#') return false;
-        for (char c : after) if (c != '#') return false;
-        return true;
+TEST(BoundedCopy, KeepsToTheFieldAndTellsWhenItCut)
+{
+    const std::string s19(19, 'a'), s20(20, 'b');
+    const char raw[8] = {'z', 'z', 'z', 'z', 'z', 'z', 'z', 'z'};  // a field with no terminator
+    struct Row { const char* what; std::function<bool(char*, size_t)> op; bool fits; std::string text; } rows[] = {
+        {"copy at the limit", [&](char* f, size_t n) { return CopyBounded(f, n, s19.c_str()); }, true, s19},
+        {"copy one past", [&](char* f, size_t n) { return CopyBounded(f, n, s20.c_str()); }, false, std::string(19, 'b')},
+        {"copy of null", [](char* f, size_t n) { return CopyBounded(f, n, nullptr); }, true, ""},
+        {"field read to its end", [&](char* f, size_t n) { return CopyField(f, n, raw, sizeof raw); }, true, "zzzzzzzz"},
+        {"field into 5 bytes", [&](char* f, size_t) { return CopyField(f, 5, raw, sizeof raw); }, false, "zzzz"},
+        {"append to the limit", [](char* f, size_t n) { CopyBounded(f, n, "abc"); return AppendBounded(f, n, "defghijklmnopqrs"); }, true, "abcdefghijklmnopqrs"},
+        {"append past it", [](char* f, size_t n) { CopyBounded(f, n, "abc"); return AppendBounded(f, n, "defghijklmnopqrst"); }, false, "abcdefghijklmnopqrs"},
+        {"format cut", [](char* f, size_t n) { return FormatBounded(f, n, "%s-%d", "abcdefghijklmnopqr", 7); }, false, "abcdefghijklmnopqr-"},
+        // Record fields: a text of exactly the field's size fills it with no terminator.
+        {"fill at the limit", [&](char* f, size_t n) { return FillField(f, n, (s19 + "a").c_str()); }, true, s19 + "a"},
+        {"fill one past", [&](char* f, size_t n) { return FillField(f, n, (s20 + "b").c_str()); }, false, s20},
+        {"overlapping copy", [](char* f, size_t n) { std::strcpy(f, "  hello"); return CopyBounded(f, n, f + 2); }, true, "hello"},
+    };
+    for (const Row& r : rows) {
+        SCOPED_TRACE(r.what);
+        qvtest::Guarded<20> g('#');
+        EXPECT_EQ(r.op(g.field, sizeof g.field), r.fits);
+        EXPECT_EQ(g.Text(), r.text);
+        EXPECT_TRUE(g.Intact());
     }
-};
-
-} // namespace
-
-TEST(BoundedCopy, FitsAtTheLimitAndCutsOnePast)
-{
-    Guarded<20> g;
-    EXPECT_TRUE(CopyBounded(g.field, std::string(19, 'a').c_str()));
-    EXPECT_EQ(std::string(g.field), std::string(19, 'a'));
-    EXPECT_FALSE(CopyBounded(g.field, std::string(20, 'b').c_str()));
-    EXPECT_EQ(std::string(g.field), std::string(19, 'b'));
-    EXPECT_FALSE(CopyBounded(g.field, std::string(5000, 'c').c_str()));
-    EXPECT_EQ(g.field[19], 0);
-    EXPECT_TRUE(g.GuardsIntact());
-}
-
-TEST(BoundedCopy, NullSourceGivesEmptyField)
-{
-    char field[4] = "abc";
-    EXPECT_TRUE(CopyBounded(field, nullptr));
-    EXPECT_STREQ(field, "");
-}
-
-TEST(BoundedCopy, FieldWithoutTerminatorIsReadOnlyToItsEnd)
-{
-    char source[8];
-    std::memset(source, 'z', sizeof source);  // no NUL anywhere
-    Guarded<16> g;
-    EXPECT_TRUE(CopyField(g.field, sizeof g.field, source, sizeof source));
-    EXPECT_EQ(std::string(g.field), "zzzzzzzz");
-    Guarded<5> small;
-    EXPECT_FALSE(CopyField(small.field, source));
-    EXPECT_EQ(std::string(small.field), "zzzz");
-    EXPECT_TRUE(g.GuardsIntact());
-    EXPECT_TRUE(small.GuardsIntact());
-}
-
-TEST(BoundedCopy, AppendStopsAtTheField)
-{
-    Guarded<8> g;
-    CopyBounded(g.field, "abc");
-    EXPECT_TRUE(AppendBounded(g.field, "de"));
-    EXPECT_FALSE(AppendBounded(g.field, "fghij"));
-    EXPECT_EQ(std::string(g.field), "abcdefg");
-    EXPECT_TRUE(g.GuardsIntact());
-}
-
-TEST(BoundedCopy, FormatReportsCutting)
-{
-    Guarded<6> g;
-    EXPECT_TRUE(FormatBounded(g.field, sizeof g.field, "%d", 12345));
-    EXPECT_FALSE(FormatBounded(g.field, sizeof g.field, "%s-%d", "abcdef", 7));
-    EXPECT_EQ(std::string(g.field), "abcde");
-    EXPECT_TRUE(g.GuardsIntact());
-}
-
-TEST(BoundedCopy, OverlappingCopyIsSafe)
-{
-    char text[16] = "  hello";
-    EXPECT_TRUE(CopyBounded(text, sizeof text, text + 2));
-    EXPECT_STREQ(text, "hello");
 }

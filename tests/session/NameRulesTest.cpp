@@ -1,3 +1,5 @@
+// Name rules on the user's text: trimming, name kinds, the capture
+// extension, double-byte code pages included.
 #include "session/NameRules.h"
 
 #include <gtest/gtest.h>
@@ -9,124 +11,71 @@ using namespace qv;
 
 namespace {
 
-std::string WithExtension(const char* name, const char* ext, size_t cb = 100)
-{
-    char buf[300];
-    std::strncpy(buf, name, sizeof buf);
-    ApplyExtension(buf, cb, ext);
-    return buf;
-}
-
-int Kind(const char* text)
-{
-    char buf[64];
-    std::strncpy(buf, text, sizeof buf);
-    return ClassifyFileName(buf);
-}
-
 // A code page where 0x81..0x9F start a double-byte character.
-bool ShiftJisLead(unsigned char c)
-{
-    return c >= 0x81 && c <= 0x9F;
-}
-
-std::string Join(const char* folder, const char* name)
-{
-    char out[260];
-    JoinFolderAndName(out, sizeof out, folder, name);
-    return out;
-}
+bool ShiftJisLead(unsigned char c) { return c >= 0x81 && c <= 0x9F; }
 
 } // namespace
 
-TEST(NameRules, TrimRemovesOnlyBlanks)
+TEST(NameRules, TrimAndKinds)
 {
-    char text[] = "  Tape 1  ";
-    EXPECT_TRUE(TrimBlanks(text));
-    EXPECT_STREQ(text, "Tape 1");
-    char spaces[] = "   ";
-    EXPECT_FALSE(TrimBlanks(spaces));
-    EXPECT_STREQ(spaces, "");
-    char tab[] = "\tx";
-    EXPECT_TRUE(TrimBlanks(tab));
-    EXPECT_STREQ(tab, "\tx");
-}
-
-TEST(NameRules, CaptureExtensionReplacesFromTheFirstDot)
-{
-    EXPECT_EQ(WithExtension("Tape", ".avi"), "Tape.avi");
-    EXPECT_EQ(WithExtension("Tape.mpg", ".avi"), "Tape.avi");
-    EXPECT_EQ(WithExtension("Tape.mpeg", ".avi"), "Tape.avi");
-    EXPECT_EQ(WithExtension("My.Tape.avi", ".avi"), "My.avi");
-    EXPECT_EQ(WithExtension("clip.ts", ".avi"), "clip.avi");
-    EXPECT_EQ(WithExtension(".hidden.mov", ".avi"), ".hidden.avi");
-    EXPECT_EQ(WithExtension("Tape.", ".avi"), "Tape.avi");
-    EXPECT_EQ(WithExtension("", ".avi"), "");
-    EXPECT_EQ(WithExtension("Tape.mpg", ""), "Tape.mpg");
-}
-
-TEST(NameRules, CaptureExtensionAlwaysFitsTheField)
-{
-    // 99 characters is the most the capture name holds; the extension wins.
-    std::string longName(99, 'n');
-    std::string result = WithExtension(longName.c_str(), ".avi", 100);
-    EXPECT_EQ(result.size(), 99u);
-    EXPECT_EQ(result.substr(95), ".avi");
-    EXPECT_EQ(WithExtension(std::string(95, 'n').c_str(), ".avi", 100).size(), 99u);
-}
-
-TEST(NameRules, DotInsideADoubleByteCharacterIsNotASeparator)
-{
-    // "\x81." is one character in the double-byte code page.
-    char name[32] = "ab\x81.cd.mpg";
-    CutAtFirstExtension(name, ShiftJisLead);
-    EXPECT_STREQ(name, "ab\x81.cd");
-    char single[32] = "ab\x81.cd.mpg";
-    CutAtFirstExtension(single);
-    EXPECT_STREQ(single, "ab\x81");
-}
-
-TEST(NameRules, FileNameKinds)
-{
-    EXPECT_EQ(Kind("clip"), FILE_NAME_NO_EXTENSION);
-    EXPECT_EQ(Kind("clip.avi"), FILE_NAME_HAS_EXTENSION);
-    EXPECT_EQ(Kind("..."), FILE_NAME_NO_EXTENSION);
-    EXPECT_EQ(Kind("  "), FILE_NAME_EMPTY);
-    EXPECT_EQ(Kind("clip."), FILE_NAME_NO_EXTENSION);
-    EXPECT_EQ(Kind("  a.b  "), FILE_NAME_HAS_EXTENSION);
-    EXPECT_EQ(Kind("C:\\x\\clip..avi"), FILE_NAME_HAS_EXTENSION);
+    struct Row { const char* text; const char* trimmed; FileNameKind kind; } rows[] = {
+        {"  Tape 1  ", "Tape 1", FILE_NAME_NO_EXTENSION}, {"   ", "", FILE_NAME_EMPTY}, {"\tx", "\tx", FILE_NAME_NO_EXTENSION},
+        {"...", "...", FILE_NAME_NO_EXTENSION}, {"clip.", "clip.", FILE_NAME_NO_EXTENSION},
+        {"  a.b  ", "a.b", FILE_NAME_HAS_EXTENSION}, {"C:\\x\\clip..avi", "C:\\x\\clip..avi", FILE_NAME_HAS_EXTENSION}};
+    for (const Row& r : rows) {
+        char text[32];
+        EXPECT_EQ(TrimBlanks(std::strcpy(text, r.text)), r.trimmed[0] != 0) << r.text;
+        EXPECT_STREQ(text, r.trimmed);
+        EXPECT_EQ(ClassifyFileName(std::strcpy(text, r.text)), r.kind) << r.text;
+    }
     EXPECT_EQ(ClassifyFileName(nullptr), FILE_NAME_NULL);
 }
 
-TEST(NameRules, JoiningNeverDoublesABackslash)
+// The extension replaces everything from the first dot; it wins when the
+// name fills its field.
+TEST(NameRules, CaptureExtension)
 {
-    EXPECT_EQ(Join("D:\\Video", "PSIndex.avi"), "D:\\Video\\PSIndex.avi");
-    EXPECT_EQ(Join("D:\\", "PSIndex.avi"), "D:\\PSIndex.avi");
-    EXPECT_EQ(Join("", "PSIndex.avi"), "\\PSIndex.avi");
-    char out[12];
-    EXPECT_FALSE(JoinFolderAndName(out, sizeof out, "D:\\Video", "PSIndex.avi"));
-    EXPECT_EQ(std::strlen(out), 11u);
+    const std::string n95(95, 'n');
+    struct Row { std::string name, ext; size_t cb; std::string expected; bool whole; } rows[] = {
+        {"Tape", ".avi", 100, "Tape.avi", true}, {"Tape.mpeg", ".avi", 100, "Tape.avi", true},
+        {"My.Tape.avi", ".avi", 100, "My.avi", true}, {".hidden.mov", ".avi", 100, ".hidden.avi", true},
+        {"Tape.", ".avi", 100, "Tape.avi", true}, {"", ".avi", 100, "", true}, {"Tape.mpg", "", 100, "Tape.mpg", true},
+        {n95, ".avi", 100, n95 + ".avi", true},             // exactly fills the field
+        {n95 + "nnnn", ".avi", 100, n95 + ".avi", false},   // cut to make room
+        {"Tape.mpg", ".avi", 4, "Tape", false}};            // no room for any name: left as cut
+    for (const Row& r : rows) {
+        char buf[128];
+        std::strcpy(buf, r.name.c_str());
+        EXPECT_EQ(ApplyExtension(buf, r.cb, r.ext.c_str()), r.whole) << r.name << " " << r.cb;
+        EXPECT_EQ(std::string(buf), r.expected) << r.name << " " << r.cb;
+    }
 }
 
-TEST(NameRules, TrailingBackslashOfADoubleByteCharacterIsKept)
+// Joining never doubles a backslash (the index file name: folder and
+// PSIndex.avi) and cuts inside the field; splitting is the capture file
+// setting's table (session tests).
+TEST(NameRules, JoiningCutsInsideTheField)
 {
+    struct Row { const char* folder; size_t cb; const char* joined; bool fits; } rows[] = {
+        {"D:\\Video", 260, "D:\\Video\\PSIndex.avi", true}, {"D:\\", 260, "D:\\PSIndex.avi", true},
+        {"", 260, "\\PSIndex.avi", true}, {"D:\\Video", 21, "D:\\Video\\PSIndex.avi", true}, {"D:\\Video", 12, "D:\\Video\\PS", false}};
+    for (const Row& r : rows) {
+        char out[260];
+        EXPECT_EQ(JoinFolderAndName(out, r.cb, r.folder, "PSIndex.avi"), r.fits) << r.folder << " " << r.cb;
+        EXPECT_STREQ(out, r.joined);
+    }
+}
+
+TEST(NameRules, DoubleByteCharactersAreNeverSplit)
+{
+    char name[32] = "ab\x81.cd.mpg", single[32] = "ab\x81.cd.mpg";  // "\x81." is one character
+    CutAtFirstExtension(name, ShiftJisLead);
+    CutAtFirstExtension(single);
+    EXPECT_STREQ(name, "ab\x81.cd");
+    EXPECT_STREQ(single, "ab\x81");
     char path[] = "D:\\\x81\\";  // the last byte is the trail byte of one character
     EXPECT_FALSE(EndsWithBackslash(path, ShiftJisLead));
     EXPECT_TRUE(EndsWithBackslash(path));
     RemoveTrailingBackslash(path, ShiftJisLead);
     EXPECT_STREQ(path, "D:\\\x81\\");
-}
-
-TEST(NameRules, SplitKeepsTheFolderBackslash)
-{
-    char folder[260], name[100];
-    SplitPath("D:\\Video\\Tape.avi", folder, sizeof folder, name, sizeof name);
-    EXPECT_STREQ(folder, "D:\\Video\\");
-    EXPECT_STREQ(name, "Tape.avi");
-    SplitPath("Tape.avi", folder, sizeof folder, name, sizeof name);
-    EXPECT_STREQ(folder, "");
-    EXPECT_STREQ(name, "Tape.avi");
-    char small[5];
-    SplitPath("D:\\Video\\A-very-long-name.avi", folder, sizeof folder, small, sizeof small);
-    EXPECT_STREQ(small, "A-ve");
 }
