@@ -189,8 +189,8 @@ private:
     void ShowNewestRow(int nRow);
     void OnShowNewestRow();
     std::string DefaultListPath() const;
-    void ReadSceneListFile();
-    void FinishOpen();
+    bool ReadSceneListFile();
+    void FinishOpen(bool bReplaced);
     bool ScenesPresent() const { return m_nSceneCount >= 1; }
 
     std::string m_strDefaultListName;

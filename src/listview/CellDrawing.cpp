@@ -136,10 +136,10 @@ void CqvListCtrl::DrawMarkCell(HDC dc, int nRow, const RECT& rc, const SceneReco
     {
         qv::SceneLockGuard lock(g_csScenes);
         auto& record = const_cast<SceneRecord&>(scene);
-        if (record.bMarked == 1 && m_bmpMarkOn)
-            image = m_bmpMarkOn;
-        else
+        if (record.bMarked != 1)
             record.bMarked = 0;  // any value but 1 shows, and is, unmarked
+        else if (m_bmpMarkOn)
+            image = m_bmpMarkOn;  // without its picture a mark stays, unseen
     }
     // The check boxes are drawn from one memory context kept with them.
     if (!m_hMarkDC) m_hMarkDC = CreateCompatibleDC(dc);

@@ -71,8 +71,10 @@ void CqvListCtrl::OnLButtonDown(UINT flags, POINT pt)
     }
     Default(WM_LBUTTONDOWN, flags, MAKELPARAM(pt.x, pt.y));
     // The press redraws the row at once, so a click inside the check box
-    // toggles the mark now.
+    // toggles the mark now; a click beside it is forgotten then, so no later
+    // repaint can toggle a mark under the point it was made at.
     UpdateWindow(m_hWnd);
+    m_bMarkClickPending = FALSE;
 }
 
 void CqvListCtrl::OnLButtonDblClk(UINT flags, POINT pt)
@@ -201,6 +203,9 @@ LRESULT CqvListCtrl::WindowProc(UINT msg, WPARAM wp, LPARAM lp)
             return result;
         return Default(msg, wp, lp);
     }
+    case WM_QV_FIT_COLUMNS:
+        FitColumns();
+        return 0;
     case WM_PAINT:
         if (GetRowCount() == 0) {
             PaintEmptyList();

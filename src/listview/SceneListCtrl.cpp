@@ -90,7 +90,13 @@ std::string CqvListCtrl::GetCellText(int nRow, int nColumn) const
 
 void CqvListCtrl::DeleteRow(int nRow)
 {
+    // When the row held the widest comment or file name, the columns are
+    // fitted to what is left once the command that deletes rows has ended:
+    // a command deleting many rows then fits them once.
+    bool widest = LineWidth(GetCellText(nRow, COL_COMMENT)) >= m_nWidestComment ||
+                  LineWidth(GetCellText(nRow, COL_FILES)) >= m_nWidestFiles;
     SendMessage(LVM_DELETEITEM, static_cast<WPARAM>(nRow));
+    if (widest && !m_bFitPosted && m_hWnd) m_bFitPosted = ::PostMessageA(m_hWnd, WM_QV_FIT_COLUMNS, 0, 0) != FALSE;
 }
 
 void CqvListCtrl::DeleteAllRows()
@@ -126,19 +132,74 @@ void CqvListCtrl::SetCellText(int nRow, int nColumn, const std::string& text)
     SendMessage(LVM_SETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
 }
 
-// The comment column fits its texts, at most 160 pixels once a wider comment
-// was seen.  Sizing to the texts never makes a column narrower than its own
-// header, so an empty column still shows what it is for.
-void CqvListCtrl::SizeCommentColumn(const std::string& comment)
+// The width of a cell text's longest line (a captured file's cell has two).
+int CqvListCtrl::LineWidth(const std::string& text) const
 {
-    if (g_bCommentColumnCapped) {
-        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, kCommentColumnCap);
-    } else if (StringWidth(comment.c_str()) > kCommentColumnCap) {
+    int widest = 0;
+    size_t start = 0;
+    while (start <= text.size()) {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        std::string line = text.substr(start, end - start);
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        widest = std::max(widest, StringWidth(line.c_str()));
+        start = end + 1;
+    }
+    return widest;
+}
+
+// The comment column fits its texts until a comment wider than 160 pixels
+// comes: it is then set to 160 once, and from there on keeps whatever width
+// it has, also one the user gave it.  Sizing to the texts never makes a
+// column narrower than its own header, so an empty column still shows what
+// it is for.
+void CqvListCtrl::SizeCommentColumn(int nWidest)
+{
+    if (g_bCommentColumnCapped) return;
+    if (nWidest > kCommentColumnCap) {
         SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, kCommentColumnCap);
         g_bCommentColumnCapped = 1;
     } else {
         SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, LVSCW_AUTOSIZE_USEHEADER);
     }
+}
+
+// The files column is as wide as its longest line, so a long path can be read
+// by scrolling the list sideways (the platform's own sizing of the last
+// column only fills the width left over), and at least as wide as that.
+void CqvListCtrl::SizeFilesColumn(int nWidest)
+{
+    RECT client = {};
+    ::GetClientRect(m_hWnd, &client);
+    int leftOver = client.right - client.left;
+    for (int c = 0; c < COL_FILES; ++c) leftOver -= static_cast<int>(SendMessage(LVM_GETCOLUMNWIDTH, c));
+    char header[256] = "";
+    LVCOLUMNA column = {};
+    column.mask = LVCF_TEXT;
+    column.pszText = header;
+    column.cchTextMax = sizeof header;
+    SendMessage(LVM_GETCOLUMNA, COL_FILES, reinterpret_cast<LPARAM>(&column));
+    const int kCellMargin = 12;  // the list's space around a cell's text
+    int width = std::max(std::max(nWidest, StringWidth(header)) + kCellMargin, leftOver);
+    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, width);
+}
+
+// Both columns fitted to the texts the rows hold now: after rows with the
+// widest texts went, they may narrow, and a comment column that no longer
+// needs its cap fits its texts again.
+void CqvListCtrl::FitColumns()
+{
+    m_bFitPosted = false;
+    int comment = 0, files = 0;
+    for (int row = 0, rows = GetRowCount(); row < rows; ++row) {
+        comment = std::max(comment, LineWidth(GetCellText(row, COL_COMMENT)));
+        files = std::max(files, LineWidth(GetCellText(row, COL_FILES)));
+    }
+    m_nWidestComment = comment;
+    m_nWidestFiles = files;
+    if (comment <= kCommentColumnCap) g_bCommentColumnCapped = 0;
+    SizeCommentColumn(comment);
+    SizeFilesColumn(files);
 }
 
 int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded)
@@ -180,22 +241,19 @@ int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded
 // column to its texts visits every row, so it is done only when a row brings
 // a text wider than any seen since the rows were last rebuilt: a long scan
 // then costs the same per scene at its end as at its start.  Columns widen
-// and never narrow while rows come in; a rebuild (view switch, opened file)
-// and an edited comment or file name size them to the texts again.
+// and never narrow while rows come in; deleting the row with the widest
+// text, a rebuild (view switch, opened file) and an edited comment or file
+// name fit them to the texts again.
 void CqvListCtrl::WidenColumnsFor(const std::string& comment, const std::string& files)
 {
-    int commentWidth = StringWidth(comment.c_str());
-    int filesWidth = StringWidth(files.c_str());
-    bool wider = commentWidth > m_nWidestComment || filesWidth > m_nWidestFiles;
+    int commentWidth = LineWidth(comment);
+    int filesWidth = LineWidth(files);
+    bool widerComment = commentWidth > m_nWidestComment, widerFiles = filesWidth > m_nWidestFiles;
     m_nWidestComment = std::max(m_nWidestComment, commentWidth);
     m_nWidestFiles = std::max(m_nWidestFiles, filesWidth);
-    if (m_bBulkRows) {
-        if (commentWidth > kCommentColumnCap) g_bCommentColumnCapped = 1;
-        return;  // sized once when the rebuild ends
-    }
-    if (!wider) return;
-    SizeCommentColumn(comment);
-    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
+    if (m_bBulkRows) return;  // sized once when the rebuild ends
+    if (widerComment) SizeCommentColumn(m_nWidestComment);
+    if (widerFiles) SizeFilesColumn(m_nWidestFiles);
 }
 
 void CqvListCtrl::ForgetColumnTexts()
@@ -215,8 +273,9 @@ void CqvListCtrl::EndBulkRows()
 {
     if (!m_bBulkRows) return;
     m_bBulkRows = false;
-    SizeCommentColumn("");
-    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
+    g_bCommentColumnCapped = 0;  // rebuilt rows: the cap is decided afresh
+    SizeCommentColumn(m_nWidestComment);
+    SizeFilesColumn(std::max(m_nWidestFiles, 0));
     SendMessage(WM_SETREDRAW, TRUE);
     Invalidate(TRUE);
 }
@@ -244,17 +303,24 @@ void CqvListCtrl::UpdateOutTimes(int nFirstRow)
 
 void CqvListCtrl::RefreshCommentAndFiles(int nRow, int nScene, BOOL bComment, BOOL bFiles)
 {
-    if (!m_pOwner || m_pOwner->GetSceneCount() < 1 || SceneTableSize() == 0 || g_arThumbBits.IsEmpty()) return;
+    // A comment or a captured file shows also in a list without thumbnails.
+    if (!m_pOwner || m_pOwner->GetSceneCount() < 1 || SceneTableSize() == 0) return;
     SceneRecord* scene = FetchScene(nScene);
     if (!scene) return;
     qv::RowTexts texts = MakeRowTexts(*scene, false, TextSources(m_bShowThumbnails != FALSE));
+    // The row's old text may have been the widest: the columns are fitted
+    // to every row then, else they only widen for the new text.
     if (bComment) {
+        bool wasWidest = LineWidth(GetCellText(nRow, COL_COMMENT)) >= m_nWidestComment;
         SetCellText(nRow, COL_COMMENT, texts.comment);
-        SizeCommentColumn(texts.comment);
+        if (wasWidest) FitColumns();
+        else WidenColumnsFor(texts.comment, "");
     }
     if (bFiles) {
+        bool wasWidest = LineWidth(GetCellText(nRow, COL_FILES)) >= m_nWidestFiles;
         SetCellText(nRow, COL_FILES, texts.files);
-        SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, LVSCW_AUTOSIZE_USEHEADER);
+        if (wasWidest) FitColumns();
+        else WidenColumnsFor("", texts.files);
     }
 }
 

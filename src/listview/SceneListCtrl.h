@@ -15,8 +15,12 @@ struct SceneRecord;
 class CInCommentEdit;
 class SceneListOwner;
 
-// Set once the comment column was narrowed to 160 pixels; it then stays so.
+// Set once the comment column was narrowed to 160 pixels; it then keeps the
+// width it has (the user may widen it) until no comment needs the cap or the
+// rows are rebuilt.
 extern int g_bCommentColumnCapped;
+// The list fits its columns after rows with the widest texts were deleted.
+#define WM_QV_FIT_COLUMNS (WM_APP + 20)
 // Set while the view switch rebuilds the columns: no cell is drawn.
 extern int g_bRebuildingList;
 
@@ -71,6 +75,9 @@ public:
     // Ends an open comment edit, keeping its text.
     void EndCommentEdit();
 
+    // The comment and files columns fitted to the texts the rows hold now.
+    void FitColumns();
+
 protected:
     LRESULT WindowProc(UINT msg, WPARAM wp, LPARAM lp) override;
 
@@ -90,7 +97,9 @@ private:
     LRESULT OnEndLabelEdit(NMLVDISPINFOA* pInfo);
 
     void SetCellText(int nRow, int nColumn, const std::string& text);
-    void SizeCommentColumn(const std::string& comment);
+    int LineWidth(const std::string& text) const;
+    void SizeCommentColumn(int nWidest);
+    void SizeFilesColumn(int nWidest);
     void WidenColumnsFor(const std::string& comment, const std::string& files);
     void ForgetColumnTexts();
     int StringWidth(const char* text) const;
@@ -100,6 +109,7 @@ private:
     bool m_bBulkRows = false;
     int m_nWidestComment = -1;  // widest texts since the rows were rebuilt
     int m_nWidestFiles = -1;
+    bool m_bFitPosted = false;  // a fit of the columns is on its way
     int m_nInsertedRow = -1;    // the newest row, inserted selected
     mutable HDC m_hMeasureDC = nullptr;  // texts are measured here
     void* m_hDrawDib = nullptr;          // thumbnails are drawn through this

@@ -82,6 +82,9 @@ int CScanOption::TrackbarPosition() const
 
 bool CScanOption::OnCommand(UINT id, UINT code, HWND hCtl)
 {
+    // Only a click acts: a check box that reports its focus changes must not
+    // flip its setting when the user tabs through it.
+    if (code != BN_CLICKED) return CDialog::OnCommand(id, code, hCtl);
     switch (id) {
     case IDC_BROWSE_CAPTURE_FOLDER: OnBrowseCaptureFolder(); return true;
     case IDC_SAVE_TO_LIBRARY: m_bSaveToLibrary = !m_bSaveToLibrary; return true;
@@ -113,7 +116,15 @@ void CScanOption::OnBrowseCaptureFolder()
         CharLowerA(lower.data());
         SetItemText(IDC_CAPTURE_FOLDER, lower.data());
     } else if (result < 0) {
-        MessageBoxA(m_hWnd, qv::LoadResString(IDS_BROWSE_FAILED).c_str(), g_szMsgTitle, MB_OK);
+        // The browser's own account of the failure, else the general one.
+        QErrorRecord error;
+        qGetLastErrorRecord(error);
+        char text[sizeof error.szText] = "";
+        qv::CopyField(text, sizeof text, error.szText, sizeof error.szText);
+        if (!text[0] && error.hTextModule && error.nTextId)
+            LoadStringA(error.hTextModule, error.nTextId, text, sizeof text);
+        if (!text[0]) qv::LoadResString(IDS_BROWSE_FAILED, text, sizeof text);
+        MessageBoxA(m_hWnd, text, g_szMsgTitle, MB_OK);
     }
 }
 

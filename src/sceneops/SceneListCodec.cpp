@@ -38,6 +38,7 @@ SceneListInfo InfoOf(const SceneListHeader& h)
     info.productionLibFolder = FieldText(h.szProductionLibFolder, sizeof h.szProductionLibFolder);
     info.nVersion = h.nVersion;
     info.nDeclaredScenes = h.nSceneCount < 0 ? 0 : h.nSceneCount;
+    info.nHeaderSize = h.wHeaderSize;
     return info;
 }
 
@@ -56,23 +57,20 @@ bool ReadSceneListHeader(File& file, SceneListInfo& info)
 ReadResult ReadSceneList(File& file, int nTvStandard, SceneListSink& sink, Marks marks)
 {
     ReadResult result;
-    // The header is read into a zeroed buffer: a short file leaves the rest
-    // zero, and every text is bounded by its field.
+    // Every text of the header is bounded by its field.
     SceneListHeader h;
     std::memset(&h, 0, sizeof h);
-    uint32_t got = 0;
-    if (!file.Read(&h, sizeof h, got)) return result;
-
-    SceneListInfo info = InfoOf(h);
-    sink.OnHeader(info);
-
+    // An empty file, one shorter than the header, or an oldest-version file
+    // without its shared thumbnail header is no scene list: nothing reaches
+    // the sink, so the list it would have replaced stays as it was.
+    if (!ReadWhole(file, &h, sizeof h)) return result;
     const bool convert = h.nVersion <= 1;
     const bool shared = h.nVersion <= 0;
     ThumbHeader sharedHeader;
-    if (shared && info.nDeclaredScenes > 0 && !ReadWhole(file, &sharedHeader, sizeof sharedHeader)) {
-        result.status = ReadStatus::Truncated;
-        return result;
-    }
+    if (shared && !ReadWhole(file, &sharedHeader, sizeof sharedHeader)) return result;
+
+    SceneListInfo info = InfoOf(h);
+    sink.OnHeader(info);
 
     result.status = ReadStatus::Complete;
     for (int i = 0; i < info.nDeclaredScenes; ++i) {

@@ -15,6 +15,7 @@ struct SceneListInfo {
     std::string tapeName, tapeDescription, captureFolder, productionLibFolder;
     int nVersion = 0;
     int nDeclaredScenes = 0;  // the header's count (a negative one reads as 0)
+    int nHeaderSize = 0;      // 1314 in every scene list file
 };
 
 class SceneListSink {
@@ -28,7 +29,8 @@ public:
 
 enum class ReadStatus {
     Complete,     // every declared entry was read
-    NoHeader,     // the header could not be read: nothing was delivered
+    NoHeader,     // no whole header (nor the oldest files' shared thumbnail
+                  // header): nothing was delivered
     Truncated,    // the file ended (or lied about a size) inside an entry
     NoMemory,     // a block could not be allocated
     Stopped       // the sink asked to stop

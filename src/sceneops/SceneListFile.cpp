@@ -146,23 +146,23 @@ void CPreScanDlg::OpenSceneList()
 void CPreScanDlg::OpenChosenSceneList()
 {
     if (!HasListExtension(g_session.szSceneListFile)) return;
-    ReadSceneListFile();
-    FinishOpen();
+    FinishOpen(ReadSceneListFile());
 }
 
-void CPreScanDlg::ReadSceneListFile()
+// True when the file replaced the list, wholly or in part.
+bool CPreScanDlg::ReadSceneListFile()
 {
     qv::File file;
-    if (!file.OpenRead(g_session.szSceneListFile)) return;
+    if (!file.OpenRead(g_session.szSceneListFile)) return false;
     StoreSink sink(*this);
     m_listScenes.BeginBulkRows();
     qv::ReadResult result = qv::ReadSceneList(file, g_session.nTvStandard, sink);
     m_listScenes.EndBulkRows();
     file.Close();
-    if (result.status == qv::ReadStatus::NoHeader) return;
+    if (result.status == qv::ReadStatus::NoHeader) return false;
     m_listScenes.RedrawAllRows();
     m_listScenes.SelectRange(0, FALSE, 0);
-    if (result.status != qv::ReadStatus::Complete) return;  // the settings stay, the file is not rewritten
+    if (result.status != qv::ReadStatus::Complete) return true;  // the settings stay, the file is not rewritten
 
     if (qv::EndsWithBackslash(g_session.szCaptureFolder, IsLeadByte))
         qv::FormatBounded(g_session.szCaptureFileName, sizeof g_session.szCaptureFileName, "%s%s",
@@ -174,15 +174,23 @@ void CPreScanDlg::ReadSceneListFile()
     WriteSettingString(kKeyProductionLibFolder, g_session.szProductionLibFolder);
     // Files of the oldest versions become current ones at once.
     if (sink.version <= 1) WriteSceneListFile();
+    return true;
 }
 
-void CPreScanDlg::FinishOpen()
+// The marked count, the Capture and Mark-all buttons follow the marks the
+// table holds: none after a file was read (marks are not kept), the user's
+// own when the file could not replace the list.  Only a list that came from
+// the file counts as unmodified.
+void CPreScanDlg::FinishOpen(bool bReplaced)
 {
     if (m_nSceneCount > 0) m_listScenes.SelectRange(0, FALSE, 0);
-    m_listScenes.m_nMarkedCount = 0;
-    m_bAllMarked = 0;
-    m_bCaptureEnabled = 0;
-    SetItemText(IDC_MARK_ALL, qv::LoadResString(IDS_MARK_ALL).c_str());
-    m_bModified = 0;
+    int marked = 0;
+    for (int i = 0; i < m_nSceneCount; ++i)
+        if (SceneRecord* scene = FetchScene(i)) marked += scene->bMarked == 1;
+    m_listScenes.m_nMarkedCount = marked;
+    m_bAllMarked = marked > 0 && marked == m_nSceneCount;
+    m_bCaptureEnabled = marked > 0;
+    SetItemText(IDC_MARK_ALL, qv::LoadResString(m_bAllMarked ? IDS_UNMARK_ALL : IDS_MARK_ALL).c_str());
+    if (bReplaced) m_bModified = 0;
     UpdateTitle();
 }

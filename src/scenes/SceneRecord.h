@@ -52,6 +52,24 @@ QV_CHECK_OFFSET(ThumbHeader, biHeight, 8);
 QV_CHECK_OFFSET(ThumbHeader, biBitCount, 14);
 QV_CHECK_OFFSET(ThumbHeader, biClrImportant, 36);
 
+// The bytes of pixels that follow a thumbnail header as it describes them:
+// rows padded to four bytes for uncompressed pictures, the stated image size
+// for compressed ones.  0 when the header does not say (no size, no known
+// depth, a size beyond 32 bits).
+inline uint32_t DescribedThumbnailBytes(const ThumbHeader& h)
+{
+    const uint32_t kRgb = 0, kBitFields = 3;
+    if (h.biCompression != kRgb && h.biCompression != kBitFields) return h.biSizeImage;
+    switch (h.biBitCount) {
+    case 1: case 4: case 8: case 16: case 24: case 32: break;
+    default: return 0;
+    }
+    int64_t width = h.biWidth, height = h.biHeight < 0 ? -static_cast<int64_t>(h.biHeight) : h.biHeight;
+    if (width <= 0 || height <= 0 || width > 0x7FFFFFFF / 32) return 0;
+    int64_t bytes = (width * h.biBitCount + 31) / 32 * 4 * height;
+    return bytes > 0xFFFFFFFFll ? 0 : static_cast<uint32_t>(bytes);
+}
+
 // The bytes of pixels a thumbnail header describes (rows padded to four
 // bytes), or 0 for a header the list cannot draw safely: only uncompressed
 // 16-, 24- and 32-bit pictures of at most 1024 x 1024 carry no colour table

@@ -99,11 +99,13 @@ void FreeAll(qv::PtrArray<SceneInfo>& queue)
     queue.RemoveAll();
 }
 
-// A thumbnail as the table keeps it.  Pixels are taken only as far as the
-// header describes them, and only when the host says it delivered at least
-// that much: a header the list cannot draw, or too few bytes for it, becomes
-// a blank 80x60 picture, so the scene keeps its place in the thumbnail table
-// and nothing is ever read past what the host handed over.
+// A thumbnail as the table keeps it: the host's header verbatim and every
+// byte it delivered, whenever the pixels the header describes lie within
+// those bytes, compressed pictures included (what the list cannot draw it
+// shows as a blank cell).  Only a header that describes more than was
+// delivered, or does not say how much it describes, is replaced by a blank
+// 80x60 picture: the scene keeps its place in the thumbnail table and
+// nothing is ever read by that header past the host's buffer.
 struct ThumbnailCopy {
     ThumbHeader* header = nullptr;
     uint8_t* bits = nullptr;
@@ -119,21 +121,25 @@ ThumbnailCopy CopyThumbnail(const ThumbHeader* pHeader, const void* pBits, uint3
     blank.biHeight = 60;
     blank.biPlanes = 1;
     blank.biBitCount = 24;
-    uint32_t needed = ThumbnailBytes(*pHeader);
-    bool usable = needed != 0 && nDelivered >= needed;
-    if (!usable) {
+    // No thumbnail is this large: a count beyond it is a host's slip, and
+    // only the pixels the header describes are taken.
+    const uint32_t kMostBytes = 16u << 20;
+    uint32_t described = DescribedThumbnailBytes(*pHeader);
+    bool kept = described != 0 && described <= nDelivered && described <= kMostBytes;
+    uint32_t bytes = nDelivered <= kMostBytes ? nDelivered : described;
+    if (!kept) {
         pHeader = &blank;
         pBits = nullptr;  // zero-filled
-        needed = ThumbnailBytes(blank);
+        bytes = ThumbnailBytes(blank);
     }
     ThumbnailCopy copy;
     OwnedBlock header(qv::CopyBlock(pHeader, sizeof(ThumbHeader)));
-    OwnedBlock bits(qv::CopyBlock(pBits, needed));
+    OwnedBlock bits(qv::CopyBlock(pBits, bytes));
     if (!header.Get() || !bits.Get()) return copy;
     copy.header = static_cast<ThumbHeader*>(header.Release());
     copy.bits = static_cast<uint8_t*>(bits.Release());
-    copy.bytes = needed;
-    if (!usable) copy.header->biSizeImage = needed;
+    copy.bytes = bytes;
+    if (!kept) copy.header->biSizeImage = bytes;
     return copy;
 }
 
@@ -174,7 +180,7 @@ void AddSceneBegin(SceneFeedTarget& dlg, const SceneInfo& scene, const ThumbHead
 
             auto* record = static_cast<SceneRecord*>(recordBlock.Release());
             std::memcpy(record, &scene, sizeof scene);
-            record->dwThumbSize = thumb.bytes;  // what the table holds, whatever the host said
+            record->dwThumbSize = thumb.bytes;  // what the table holds
             record->nIndex = nCompleted;
             record->bMerged = 0;
             record->bMarked = 0;

@@ -93,8 +93,8 @@ int main(int argc, char** argv)
     }
     Scenes scenes;
     qv::ReadResult result = qv::ReadSceneList(file, tv, scenes, qv::Marks::Keep);
-    if (result.status == qv::ReadStatus::NoHeader) {
-        std::fprintf(stderr, "qvpsf: %s: not a scene list (no header)\n", path);
+    if (result.status == qv::ReadStatus::NoHeader || scenes.info.nHeaderSize != qv::kSceneListHeaderSize) {
+        std::fprintf(stderr, "qvpsf: %s: not a scene list file\n", path);
         return 1;
     }
 

@@ -26,11 +26,22 @@ bool IsMessageBox(HWND h)
     return ClassOf(h) == "#32770" && text && ClassOf(text) == "Static";
 }
 
-std::string ResText(UINT id)
+// The messages the module added carry English texts of its own.
+const std::pair<UINT, const char*> kModuleTexts[] = {
+    {45570, "This list cannot be saved: a scene list file holds at most %d scenes.\n\nDelete or merge scenes, then save again."},
+    {45571, "The capture folder is too long: it may have at most %d characters. Nothing was changed."},
+    {45572, "The capture file name is too long: it may have at most %d characters. Nothing was changed."},
+    {45573, "The library folder is too long: it may have at most %d characters. Nothing was changed."},
+    {45574, "The scene list could not be saved to %s.\n\nThe file that was there before has been left as it was."},
+};
+
+// The letters of a format's conversions ("%s at %d%%" gives "sd").
+std::string ConversionsOf(const std::string& format)
 {
-    char text[2048] = "";
-    LoadStringA(qvCaptureGetNewRCInstanceHandle(), id, text, sizeof text);
-    return text;
+    std::string letters;
+    for (size_t i = format.find('%'); i != std::string::npos && i + 1 < format.size(); i = format.find('%', i + 2))
+        if (format[i + 1] != '%') letters += format[i + 1];
+    return letters;
 }
 
 // The button a user would press to get rid of an unexpected box.
@@ -50,7 +61,8 @@ std::string MessageBoxTextOf(HWND hBox)
     return text;
 }
 
-ModalResponder::ModalResponder(DWORD watchdogMs) : m_watchdogMs(watchdogMs)
+ModalResponder::ModalResponder(DWORD watchdogMs)
+    : m_watchdogMs(watchdogMs), m_hLibrary(qvCaptureGetNewRCInstanceHandle())
 {
     t_active = this;
     m_hook = SetWindowsHookExA(WH_CBT, &ModalResponder::CbtProc, nullptr, GetCurrentThreadId());
@@ -75,16 +87,25 @@ ModalResponder& ModalResponder::ExpectMessage(const std::string& text, int butto
     return *this;
 }
 
-ModalResponder& ModalResponder::ExpectMessageRes(UINT id, int button)
+ModalResponder& ModalResponder::UseLibrary(HINSTANCE hLibrary)
 {
-    return ExpectMessage(ResText(id), button);
+    m_hLibrary = hLibrary;
+    return *this;
 }
 
-ModalResponder& ModalResponder::ExpectMessageRes(UINT id, const char* arg, int button)
+std::string ModalResponder::ResText(UINT id, const char* kind) const
 {
-    char text[4096];
-    std::snprintf(text, sizeof text, ResText(id).c_str(), arg);
-    return ExpectMessage(text, button);
+    char text[2048] = "";
+    LoadStringA(m_hLibrary, id, text, sizeof text);
+    if (text[0] && ConversionsOf(text) == kind) return text;
+    for (const auto& [moduleId, moduleText] : kModuleTexts)
+        if (moduleId == id) return moduleText;
+    return text;
+}
+
+ModalResponder& ModalResponder::ExpectMessageRes(UINT id, int button)
+{
+    return ExpectMessage(ResText(id, ""), button);
 }
 
 ModalResponder& ModalResponder::ExpectWindow(const std::string& what, std::function<bool(HWND)> handler)

@@ -11,7 +11,9 @@
 
 #include <windows.h>
 
+#include <cstdio>
 #include <functional>
+#include <type_traits>
 #include <string>
 #include <vector>
 
@@ -24,9 +26,19 @@ public:
 
     // A message box whose text equals `text`, answered with `button` (IDYES ...).
     ModalResponder& ExpectMessage(const std::string& text, int button);
-    // A message box showing resource string `id`, formatted with `arg` when given.
+    // A message box showing the text the module shows for string `id`,
+    // formatted with `arg` when given: the resource library's text, or the
+    // module's own English one when the library lacks it or its text reads
+    // other arguments than the one passed.
     ModalResponder& ExpectMessageRes(UINT id, int button);
-    ModalResponder& ExpectMessageRes(UINT id, const char* arg, int button);
+    template <class T> ModalResponder& ExpectMessageRes(UINT id, T arg, int button)
+    {
+        char text[4096];
+        std::snprintf(text, sizeof text, ResText(id, std::is_integral_v<T> ? "d" : "s").c_str(), arg);
+        return ExpectMessage(text, button);
+    }
+    // The resource library the module uses (the host's, unless a test swaps it).
+    ModalResponder& UseLibrary(HINSTANCE hLibrary);
     // Any other window: `handler` gets it once it is shown and does what the
     // user would (it must end the window, e.g. by posting a button click).
     // Return false from the handler to report a mismatch.
@@ -55,7 +67,10 @@ private:
     void OnActivate(HWND hWnd);
     void Answer(HWND hWnd);
 
+    std::string ResText(UINT id, const char* kind) const;
+
     HHOOK m_hook = nullptr;
+    HINSTANCE m_hLibrary;
     DWORD m_watchdogMs;
     std::vector<Expectation> m_expected;
     size_t m_next = 0;

@@ -24,6 +24,12 @@ check "version 1 frame counts become time codes" 'grep -q "00:01:00:00" <<<"$v1"
 check "a truncated file exits non-zero" '[ $? -ne 0 ]'
 "$qvpsf" show "$corpus/lying-pixel-count.psf" >/dev/null 2>&1
 check "a lying pixel count exits non-zero" '[ $? -ne 0 ]'
+tmp=$(mktemp -d); trap 'rm -rf "$tmp"' EXIT
+# A whole file whose header size field says 1315 is someone else's file.
+{ printf '\x23'; tail -c +2 "$corpus/v3-two-scenes.psf"; } >"$tmp/other.psf"
+err=$("$qvpsf" show "$tmp/other.psf" 2>&1 >/dev/null)
+check "a header size other than 1314 exits non-zero" '[ $? -ne 0 ]'
+check "a header size other than 1314 is not a scene list file" 'grep -q "not a scene list file" <<<"$err"'
 "$qvpsf" show "$corpus/no-such-file.psf" >/dev/null 2>&1
 check "a missing file exits non-zero" '[ $? -ne 0 ]'
 "$qvpsf" show "$corpus/v3-two-scenes.psf" --tv 9 >/dev/null 2>&1
