@@ -7,7 +7,6 @@
 #include "support/DialogFixture.h"
 #include "support/TestEnvironment.h"
 
-#include <commdlg.h>
 #include <cstring>
 
 using namespace qvtest;
@@ -78,11 +77,6 @@ TEST(SceneListNames, ExtensionRules)
         CompleteListExtension(path, sizeof path);
         EXPECT_STREQ(path, *completed ? completed : given);
     }
-    char folder[260] = "unchanged";
-    CopyFolderOfPath(folder, "tape.psf");
-    EXPECT_STREQ(folder, "unchanged");
-    CopyFolderOfPath(folder, "C:\\Tapes\\tape.psf");
-    EXPECT_STREQ(folder, "C:\\Tapes");
 }
 
 // A cancelled save, a save, and the file opened again over a changed list.
@@ -182,28 +176,4 @@ TEST_F(SceneListFileTest, FailedSaveLeavesThePreviousFile)
     EXPECT_EQ(Dlg().m_bModified, 1);
     WIN32_FIND_DATAA found;
     EXPECT_EQ(FindFirstFileA((m_dir + "\\*.tmp").c_str(), &found), INVALID_HANDLE_VALUE);  // no temporary file left
-}
-
-// The open dialog's extra area shows the tape of the file the name box names.
-TEST_F(SceneListFileTest, OpenDialogPreviewsTheSelectedTape)
-{
-    ScanScenes(1);
-    for (char c : std::string("Lake and boats")) SendMessageA(Item(IDC_TAPE_DESCRIPTION), WM_CHAR, c, 1);
-    Save(m_dir + "\\lake.psf");
-    WriteBytes(m_dir + "\\notes.txt", {'n', 'o'});
-    std::string shown;
-    Through(IDC_OPEN_LIST, ModalResponder().ExpectWindow("open", [&](HWND dialog) {
-        HWND area = GetWindow(dialog, GW_CHILD);
-        while (area && !GetDlgItem(area, IDC_PSF_TAPE_NAME)) area = GetWindow(area, GW_HWNDNEXT);
-        if (!area || !(GetWindowLongA(GetDlgItem(area, IDC_PSF_TAPE_NAME), GWL_STYLE) & ES_READONLY)) return false;
-        OFNOTIFYA note = {{dialog, 0, CDN_SELCHANGE}, nullptr, nullptr};
-        for (const char* name : {"lake.psf", "notes.txt"}) {  // another extension empties the fields
-            SetWindowTextA(NameBox(dialog), (m_dir + "\\" + name).c_str());
-            SendMessageA(area, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&note));
-            shown += ItemText(area, IDC_PSF_TAPE_NAME) + "|" + ItemText(area, IDC_PSF_TAPE_DESCRIPTION) + "|";
-        }
-        return PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0) != FALSE;
-    }));
-    EXPECT_EQ(shown, "Holiday|Lake and boats|||");
-    EXPECT_EQ(qvGetCurrentSceneNumber(), 1);  // cancelled: nothing opened
 }
