@@ -45,72 +45,38 @@ protected:
 
 } // namespace
 
-TEST_F(ScanOptionTest, OpensWithTheSessionsValuesOrTheDefaultFolder)
+// The folder shown (the session's, or the default when none is set), and the
+// quick scan controls, which scanning while capturing turns off.
+TEST_F(ScanOptionTest, OpensWithTheSessionsValues)
 {
     char fallback[QV_MAX_PATH] = "";
     GetDefaultCaptureFolder(fallback);
     ASSERT_NE(fallback[0], 0);
-    for (std::string folder : {m_folder, std::string()}) {
-        std::strcpy(g_session.szCaptureFolder, folder.c_str());
+    struct Case {
+        std::string folder;
+        int method;
+        std::string shown;
+        bool quick;
+    } cases[] = {{m_folder, 0, m_folder, true}, {"", 3, fallback, false}};
+    for (const Case& c : cases) {
+        std::strcpy(g_session.szCaptureFolder, c.folder.c_str());
+        g_session.nScanMethodIndex = c.method;
         OpenDialog();
-        std::string shown, name;
         WithOptions([&](HWND dlg) {
-            shown = Text(dlg, IDC_CAPTURE_FOLDER);
-            name = Text(dlg, IDC_CAPTURE_NAME);
+            EXPECT_EQ(Text(dlg, IDC_CAPTURE_FOLDER), c.shown);
+            EXPECT_EQ(Text(dlg, IDC_CAPTURE_NAME), std::string(g_session.szCaptureName));
+            EXPECT_EQ(On(dlg, IDC_QUICK_SCAN) && On(dlg, IDC_WANT_INDEX_FILE), c.quick);
+            EXPECT_FALSE(On(dlg, IDC_QUICK_SCAN_SPEED));
             PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
         });
-        EXPECT_EQ(shown, folder.empty() ? std::string(fallback) : folder);
-        EXPECT_EQ(name, std::string(g_session.szCaptureName));
         TearDown();
         SetUp();
     }
 }
 
-TEST_F(ScanOptionTest, OkWritesTheSessionAndTheSettingsCancelNothing)
-{
-    OpenDialog();
-    WithOptions([&](HWND dlg) {
-        Press(dlg, IDC_WANT_INDEX_FILE);
-        PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
-    });
-    EXPECT_EQ(ReadIni("WantIndexFile"), kIniMissing);
-    EXPECT_EQ(g_session.nWantIndexFile, 0);
-    bool indexWhileQuick = true;
-    WithOptions([&](HWND dlg) {
-        SetDlgItemTextA(dlg, IDC_CAPTURE_NAME, "  clip  ");
-        SetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, (m_folder + "\\").c_str());
-        SendDlgItemMessageA(dlg, IDC_QUICK_SCAN_SPEED, TBM_SETPOS, TRUE, 3);
-        Press(dlg, IDC_QUICK_SCAN);
-        indexWhileQuick = On(dlg, IDC_WANT_INDEX_FILE);
-        Press(dlg, IDC_SAVE_TO_LIBRARY);
-        PostMessageA(dlg, WM_COMMAND, IDOK, 0);
-    });
-    EXPECT_FALSE(indexWhileQuick);
-    EXPECT_EQ(g_session.nQuickScanSpeed, 3);
-    EXPECT_EQ(ReadIni("QuickScanSpeed"), "3");
-    EXPECT_EQ(ReadIni("SaveToLibrary"), "1");
-    EXPECT_EQ(ReadIni("WantIndexFile"), "0");
-    EXPECT_STREQ(g_session.szCaptureName, "clip.avi");
-    EXPECT_EQ(std::string(g_session.szCaptureFolder), m_folder);
-    EXPECT_EQ(ReadIni("PSCaptureFileName"), m_folder + "\\clip.avi");
-    EXPECT_EQ(ReadIni("ProductionLibFolder"), std::string(g_session.szProductionLibFolder));
-}
-
-TEST_F(ScanOptionTest, ScanningWhileCapturingAllowsNoQuickScan)
-{
-    g_session.nScanMethodIndex = 3;
-    OpenDialog();
-    bool anyOn = true;
-    WithOptions([&](HWND dlg) {
-        anyOn = On(dlg, IDC_QUICK_SCAN) || On(dlg, IDC_WANT_INDEX_FILE) || On(dlg, IDC_QUICK_SCAN_SPEED);
-        SetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, m_folder.c_str());
-        PostMessageA(dlg, WM_COMMAND, IDOK, 0);
-    });
-    EXPECT_FALSE(anyOn);
-    EXPECT_NE(ReadIni("QuickScanSpeed"), kIniMissing);  // OK still writes every key
-}
-
-TEST_F(ScanOptionTest, HostChoosesTheLibraryWithinItsField)
+// The host chooses the library within its field; Cancel keeps nothing, OK
+// writes the session and every setting.
+TEST_F(ScanOptionTest, CancelKeepsNothingOkWritesTheSettings)
 {
     OpenDialog();
     LibraryRequest seen = {};
@@ -118,23 +84,34 @@ TEST_F(ScanOptionTest, HostChoosesTheLibraryWithinItsField)
         auto* req = reinterpret_cast<LibraryRequest*>(arg);
         seen = *req;
         std::strcpy(req->szLibraryFolder, "H:\\Host Library");
-        req->bSaveToLibrary = 1;
-        return 1;
+        return req->bSaveToLibrary = 1;
     });
-    std::string shown;
-    bool ticked = false;
     WithOptions([&](HWND dlg) {
+        Press(dlg, IDC_WANT_INDEX_FILE);
         SetDlgItemTextA(dlg, IDC_LIBRARY_FOLDER, ("L:\\" + std::string(300, 'l')).c_str());
-        SendMessageA(dlg, WM_COMMAND, IDC_LIBRARY_FOLDER, 0);
         Press(dlg, IDC_CHOOSE_LIBRARY);
-        shown = Text(dlg, IDC_LIBRARY_FOLDER);
-        ticked = IsDlgButtonChecked(dlg, IDC_SAVE_TO_LIBRARY) == BST_CHECKED;
+        EXPECT_EQ(Text(dlg, IDC_LIBRARY_FOLDER), "H:\\Host Library");
+        EXPECT_EQ(IsDlgButtonChecked(dlg, IDC_SAVE_TO_LIBRARY), BST_CHECKED);
         PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(seen.szLibraryFolder[171], 0);  // the request's field is never overrun
-    EXPECT_EQ(shown, "H:\\Host Library");
-    EXPECT_TRUE(ticked);
-    EXPECT_EQ(ReadIni("SaveToLibrary"), kIniMissing);  // nothing written until OK
+    EXPECT_EQ(ReadIni("SaveToLibrary") + ReadIni("WantIndexFile"), std::string(kIniMissing) + kIniMissing);
+    EXPECT_EQ(g_session.nWantIndexFile, 0);
+    WithOptions([&](HWND dlg) {
+        SetDlgItemTextA(dlg, IDC_CAPTURE_NAME, "  clip  ");
+        SetDlgItemTextA(dlg, IDC_CAPTURE_FOLDER, (m_folder + "\\").c_str());
+        SendDlgItemMessageA(dlg, IDC_QUICK_SCAN_SPEED, TBM_SETPOS, TRUE, 3);
+        Press(dlg, IDC_QUICK_SCAN);
+        EXPECT_FALSE(On(dlg, IDC_WANT_INDEX_FILE));  // no index file from a quick scan
+        Press(dlg, IDC_SAVE_TO_LIBRARY);
+        PostMessageA(dlg, WM_COMMAND, IDOK, 0);
+    });
+    EXPECT_EQ(g_session.nQuickScanSpeed, 3);
+    EXPECT_EQ(ReadIni("QuickScanSpeed") + ReadIni("SaveToLibrary") + ReadIni("WantIndexFile"), "310");
+    EXPECT_STREQ(g_session.szCaptureName, "clip.avi");
+    EXPECT_EQ(std::string(g_session.szCaptureFolder), m_folder);
+    EXPECT_EQ(ReadIni("PSCaptureFileName"), m_folder + "\\clip.avi");
+    EXPECT_EQ(ReadIni("ProductionLibFolder"), std::string(g_session.szProductionLibFolder));
 }
 
 // A text one longer than its field is refused with the limit, never cut;

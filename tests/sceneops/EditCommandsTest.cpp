@@ -13,40 +13,21 @@ namespace {
 
 class EditCommandsTest : public DialogFixture {
 protected:
-    // A scan of `n` scenes; scene i runs from 0:00:10*i:00 for five seconds.
-    void Scan(int n, bool pictures)
+    // A scan of `n` scenes (see OpenWithScenes), with `marks` ticked.
+    void Scan(int n, bool pictures, const std::vector<int>& marks)
     {
-        if (pictures) return OpenWithScenes(n);
-        OpenDialog();
-        StartScan();
-        for (int i = 0; i < n; ++i) FeedScene(Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0), false);
-        PressKey(VK_ESCAPE);
-    }
-    // Clicks each row's check box.
-    void Mark(const std::vector<int>& rows)
-    {
-        for (int r : rows) {
-            SendMessageA(Item(IDC_SCENE_LIST), LVM_ENSUREVISIBLE, r, FALSE);
-            RECT rc = {};
-            Dlg().m_listScenes.GetCellRect(r, 0, LVIR_BOUNDS, rc);
-            LPARAM at = MAKELPARAM((rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2);
-            SendMessageA(Item(IDC_SCENE_LIST), WM_LBUTTONDOWN, MK_LBUTTON, at);
-            SendMessageA(Item(IDC_SCENE_LIST), WM_LBUTTONUP, 0, at);
+        if (pictures) OpenWithScenes(n);
+        else {
+            OpenDialog();
+            StartScan();
+            for (int i = 0; i < n; ++i) FeedScene(Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0), false);
+            PressKey(VK_ESCAPE);
         }
-        PumpPending();
+        for (int r : marks) MarkRow(r);
     }
-    void Select(int from, int to)
+    void Command(int id, int from = -1, int to = -1)
     {
-        Dlg().m_listScenes.m_bRangeSelected = from != to;
-        Dlg().m_listScenes.SelectRange(from, TRUE, to);
-    }
-    void Command(int id, int from, int to)
-    {
-        Select(from, to);
-        Command(id);
-    }
-    void Command(int id)
-    {
+        if (from >= 0) SelectRows(from, to);
         SendMessageA(Wnd(), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
         PumpPending();
     }
@@ -85,35 +66,28 @@ TEST_F(EditCommandsTest, MergeThenSplitGivesTheScanBack)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        Scan(c.scenes, c.pictures);
-        Mark(c.marks);
-        ASSERT_EQ(Marked(), static_cast<int>(c.marks.size()));
+        Scan(c.scenes, c.pictures, c.marks);
         std::strcpy(Scene(c.scenes - 1).szComment, "kept for later");
         for (auto [from, to] : c.merges) Command(IDC_MERGE_SCENES, from, to);
-        ASSERT_EQ(qvGetCurrentSceneNumber(), c.rows);
-        EXPECT_EQ(RowCount(), c.rows);
+        ASSERT_EQ(qvGetCurrentSceneNumber() * 10 + RowCount(), c.rows * 11);
         EXPECT_EQ(g_arMergeGroups.GetSize(), c.groups);
         EXPECT_EQ(Marked(), c.marked);
         EXPECT_EQ(Enabled(IDC_CAPTURE), c.marked > 0);
-        EXPECT_EQ(Scene(c.mergedRow).bMerged, 1);
         EXPECT_EQ(Scene(c.mergedRow).dwTimeCodeOut, Tc(0, 0, 10 * c.lastScene + 5, 0));
-        EXPECT_TRUE(Visible(IDC_SPLIT_SCENE) && Enabled(IDC_SPLIT_SCENE));
-        EXPECT_FALSE(Visible(IDC_MERGE_SCENES));
+        EXPECT_TRUE(Visible(IDC_SPLIT_SCENE) && Enabled(IDC_SPLIT_SCENE) && !Visible(IDC_MERGE_SCENES));
         EXPECT_TRUE(Dlg().m_bModified);
 
         for (int row = c.rows - 1; row >= 0; --row)
             if (Scene(row).bMerged) Command(IDC_SPLIT_SCENE, row, row);
-        ASSERT_EQ(qvGetCurrentSceneNumber(), c.scenes);
-        EXPECT_EQ(RowCount(), c.scenes);
+        ASSERT_EQ(qvGetCurrentSceneNumber() * 10 + RowCount(), c.scenes * 11);
         for (int i = 0; i < c.scenes; ++i) {
-            EXPECT_EQ(Scene(i).dwTimeCodeIn, Tc(0, 0, 10 * i, 0)) << i;
-            EXPECT_EQ(Scene(i).dwTimeCodeOut, Tc(0, 0, 10 * i + 5, 0)) << i;
-            EXPECT_EQ(Scene(i).bMerged, 0) << i;
+            SceneRecord& s = Scene(i);
+            EXPECT_EQ(std::vector<uint32_t>({s.dwTimeCodeIn, s.dwTimeCodeOut, uint32_t(s.bMerged)}),
+                      std::vector<uint32_t>({Tc(0, 0, 10 * i, 0), Tc(0, 0, 10 * i + 5, 0), 0})) << i;
         }
         EXPECT_STREQ(Scene(c.scenes - 1).szComment, "kept for later");
         EXPECT_EQ(Marked(), static_cast<int>(c.marks.size()));
-        EXPECT_TRUE(g_arMergeGroups.IsEmpty());
-        EXPECT_FALSE(Visible(IDC_SPLIT_SCENE));
+        EXPECT_TRUE(g_arMergeGroups.IsEmpty() && !Visible(IDC_SPLIT_SCENE));
         TearDown();
         SetUp();
     }
@@ -135,57 +109,43 @@ TEST_F(EditCommandsTest, DeleteAsksThenKeepsTheMarksAndSelectsWhatFollows)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        OpenWithScenes(c.scenes);
-        Mark(c.marks);
+        Scan(c.scenes, true, c.marks);
         ModalResponder responder;
         responder.ExpectMessageRes(IDS_ASK_DELETE_SCENES, c.answer);
         Command(IDC_DELETE_SCENES, c.from, c.to);
         responder.Verify();
-        ASSERT_EQ(qvGetCurrentSceneNumber(), c.rows);
-        EXPECT_EQ(RowCount(), c.rows);
+        ASSERT_EQ(qvGetCurrentSceneNumber() * 10 + RowCount(), c.rows * 11);
         EXPECT_EQ(Marked(), c.marked);
         if (c.rows > 0) EXPECT_EQ(FirstSelected(), c.selected);
         if (c.answer == IDYES && c.rows > c.from) EXPECT_EQ(Scene(c.from).dwTimeCodeIn, Tc(0, 0, 10 * (c.to + 1), 0));
-        EXPECT_EQ(Enabled(IDC_SAVE_LIST), c.rows > 0);
-        EXPECT_EQ(Dlg().m_bModified != 0, c.rows > 0);
+        EXPECT_TRUE(Enabled(IDC_SAVE_LIST) == (c.rows > 0) && (Dlg().m_bModified != 0) == (c.rows > 0));
         if (c.rows == 0) EXPECT_EQ(SceneTableSize(), 0);
         TearDown();
         SetUp();
     }
 }
 
-TEST_F(EditCommandsTest, MarkAllAndUnmarkAll)
+// Mark all, then unmark all; the view switched to compact and back.
+TEST_F(EditCommandsTest, MarkAllAndTheViewSwitch)
 {
-    OpenWithScenes(3);
-    Mark({1});
-    for (int round = 0; round < 2; ++round) {
-        bool all = round == 0;
+    Scan(5, true, {1});
+    std::string date = CellText(2, 3);
+    for (bool all : {true, false}) {
         Command(IDC_MARK_ALL);
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(Scene(i).bMarked, all ? 1 : 0) << i;
-        EXPECT_EQ(Marked(), all ? 3 : 0);
+        EXPECT_EQ(Scene(0).bMarked + Scene(1).bMarked + Scene(4).bMarked + Marked(), all ? 8 : 0);
         char text[64];
         GetWindowTextA(Item(IDC_MARK_ALL), text, sizeof text);
         EXPECT_EQ(std::string(text), qv::LoadResString(all ? IDS_UNMARK_ALL : IDS_MARK_ALL));
         EXPECT_EQ(Enabled(IDC_CAPTURE), all);
     }
-}
-
-TEST_F(EditCommandsTest, ViewSwitchRebuildsTheListBothWays)
-{
-    OpenWithScenes(5);
-    std::string date = CellText(2, 3);
-    Select(1, 3);
-    for (int round = 0; round < 2; ++round) {
-        bool compact = round == 0;
+    SelectRows(1, 3);
+    for (bool compact : {true, false}) {
         Command(IDC_VIEW_MODE);
-        EXPECT_EQ(Dlg().m_listScenes.m_bShowThumbnails == FALSE, compact);
         EXPECT_EQ(RowCount(), 5);
         EXPECT_EQ(CellText(2, 1), compact ? "00:00:20:00" : "");  // no text over the thumbnail
         EXPECT_EQ(CellText(2, 3), compact ? "2003/ 7/ 4  15:06:09" : date);
         if (compact) EXPECT_EQ(CellText(2, 2), "00:00:25:00");
-        int first, last;
-        Dlg().m_listScenes.GetSelRange(first, last);
-        EXPECT_EQ(first * 10 + last, 13);
+        EXPECT_EQ(FirstSelected(), 1);
         EXPECT_EQ(SendMessageA(Item(IDC_SCENE_LIST), LVM_GETSELECTEDCOUNT, 0, 0), 3);
     }
 }

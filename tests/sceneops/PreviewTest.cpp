@@ -48,60 +48,51 @@ TEST_F(PreviewTest, CapturedFilePlaysOverItsThumbnailUntilItEnds)
     OpenWithScenes(3);
     std::strcpy(g_arScenes.GetAt(1)->szCaptureFile, "C:\\gone\\deleted.avi");  // missing: the scan file plays
     std::strcpy(g_arScenes.GetAt(1)->szSceneFile, WriteAvi(8).c_str());
-    Dlg().m_listScenes.SelectRange(1, FALSE, 0);
-    ASSERT_TRUE(Enabled(IDC_PREVIEW));
-    Click(IDC_PREVIEW);
-    ASSERT_EQ(Dlg().m_nState, PS_FILE_PREVIEW);
-    EXPECT_TRUE(Visible(IDC_PREVIEW_VIDEO));
-    EXPECT_TRUE(Enabled(IDC_PREVIEW));
-    EXPECT_FALSE(Enabled(IDC_START_SCAN));
-    // The cell moved by the list's window corner, centred, then moved by (2, 2).
-    RECT video, list, cell = {};
-    GetWindowRect(Item(IDC_PREVIEW_VIDEO), &video);
-    GetWindowRect(Item(IDC_SCENE_LIST), &list);
-    Dlg().m_listScenes.GetCellRect(1, 1, LVIR_BOUNDS, cell);
-    OffsetRect(&cell, list.left, list.top);
-    EXPECT_EQ(video.left, (cell.left + cell.right) / 2 - 40 + 2);
-    EXPECT_EQ(video.top, (cell.top + cell.bottom) / 2 - 30 + 2);
-    EXPECT_TRUE(PumpUntil([&] { return Dlg().m_nState == PS_IDLE; }, 5000));  // the file's end
-    EXPECT_FALSE(Visible(IDC_PREVIEW_VIDEO));
-    EXPECT_TRUE(Enabled(IDC_START_SCAN));
+    SelectRow(1);
+    for (bool pressAgain : {false, true}) {
+        SCOPED_TRACE(pressAgain ? "stopped by a second press" : "played to its end");
+        Click(IDC_PREVIEW);
+        ASSERT_EQ(Dlg().m_nState, PS_FILE_PREVIEW);
+        EXPECT_TRUE(Visible(IDC_PREVIEW_VIDEO) && Enabled(IDC_PREVIEW) && !Enabled(IDC_START_SCAN));
+        // Centred on the thumbnail's cell in screen terms, then moved by (2, 2).
+        RECT video, list, cell = {};
+        GetWindowRect(Item(IDC_PREVIEW_VIDEO), &video);
+        GetWindowRect(Item(IDC_SCENE_LIST), &list);
+        Dlg().m_listScenes.GetCellRect(1, 1, LVIR_BOUNDS, cell);
+        EXPECT_EQ(video.left, list.left + (cell.left + cell.right) / 2 - 40 + 2);
+        EXPECT_EQ(video.top, list.top + (cell.top + cell.bottom) / 2 - 30 + 2);
+        if (pressAgain) Click(IDC_PREVIEW);
+        else EXPECT_TRUE(PumpUntil([&] { return Dlg().m_nState == PS_IDLE; }, 5000));
+        EXPECT_EQ(Dlg().m_nState, PS_IDLE);
+        EXPECT_TRUE(!Visible(IDC_PREVIEW_VIDEO) && Enabled(IDC_START_SCAN));
+    }
     EXPECT_EQ(Host().Count(HOSTREQ_PLAY_SPAN), 0);
-    Click(IDC_PREVIEW);  // again, and a second press stops it before its end
-    ASSERT_EQ(Dlg().m_nState, PS_FILE_PREVIEW);
-    Click(IDC_PREVIEW);
-    EXPECT_EQ(Dlg().m_nState, PS_IDLE);
-    EXPECT_FALSE(Visible(IDC_PREVIEW_VIDEO));
 }
 
-TEST_F(PreviewTest, TapePreviewStopsOnceFromInsideTheRequest)
+// A scene without files plays from tape; it stops with exactly one request,
+// also when the user presses again while the host is still playing it.
+TEST_F(PreviewTest, TapePreviewStopsOnce)
 {
-    OpenWithScenes(2);
-    Dlg().m_listScenes.SelectRange(1, FALSE, 0);
-    SceneSpan played = {};
-    int stopsInside = -1;
-    Host().OnRequest(HOSTREQ_PLAY_SPAN, [&](intptr_t arg) {
-        played = *reinterpret_cast<SceneSpan*>(arg);
-        EXPECT_EQ(Dlg().m_nState, PS_TAPE_PREVIEW);
-        SendMessageA(Item(IDC_PREVIEW), BM_CLICK, 0, 0);  // the user presses again meanwhile
-        PumpPending();
-        stopsInside = Host().Count(HOSTREQ_STOP_PLAY);
-        return 1;
-    });
-    Click(IDC_PREVIEW);
-    EXPECT_EQ(played.dwTimeCodeIn, Tc(0, 0, 10, 0));
-    EXPECT_EQ(played.pNext, nullptr);
-    EXPECT_EQ(stopsInside, 1);
-    EXPECT_EQ(Host().Count(HOSTREQ_STOP_PLAY), 1);  // not again when request 4 returned
-    EXPECT_EQ(Dlg().m_nState, PS_IDLE);
-}
-
-TEST_F(PreviewTest, TapePreviewEndsWhenTheSpanHasPlayed)
-{
-    OpenWithScenes(1);
-    Dlg().m_listScenes.SelectRange(0, FALSE, 0);
-    Click(IDC_PREVIEW);
-    EXPECT_EQ(Host().Codes().back(), HOSTREQ_STOP_PLAY);
-    EXPECT_EQ(Dlg().m_nState, PS_IDLE);
-    EXPECT_EQ(Dlg().m_nTimerId, 0u);
+    for (bool pressAgain : {false, true}) {
+        SCOPED_TRACE(pressAgain ? "pressed again inside the request" : "played to its end");
+        OpenWithScenes(2);
+        SelectRow(1);
+        SceneSpan played = {};
+        Host().OnRequest(HOSTREQ_PLAY_SPAN, [&](intptr_t arg) {
+            played = *reinterpret_cast<SceneSpan*>(arg);
+            EXPECT_EQ(Dlg().m_nState, PS_TAPE_PREVIEW);
+            if (pressAgain) SendMessageA(Item(IDC_PREVIEW), BM_CLICK, 0, 0), PumpPending();
+            EXPECT_EQ(Host().Count(HOSTREQ_STOP_PLAY), pressAgain ? 1 : 0);
+            return 1;
+        });
+        Click(IDC_PREVIEW);
+        EXPECT_EQ(played.dwTimeCodeIn, Tc(0, 0, 10, 0));
+        EXPECT_EQ(played.pNext, nullptr);
+        EXPECT_EQ(Host().Count(HOSTREQ_STOP_PLAY), 1);
+        EXPECT_EQ(Host().Codes().back(), HOSTREQ_STOP_PLAY);
+        EXPECT_EQ(Dlg().m_nState, PS_IDLE);
+        EXPECT_EQ(Dlg().m_nTimerId, 0u);
+        TearDown();
+        SetUp();
+    }
 }
