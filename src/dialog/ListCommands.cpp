@@ -90,9 +90,15 @@ void CPreScanDlg::OnDeleteScenes()
             qv::SceneLockGuard lock(g_csScenes);
             qv::FreeBlock(scene);  // nothing refers to a deleted scene
             if (g_arScenes.IsValidIndex(row)) g_arScenes.RemoveAt(row);
+            // The picture's header goes with its pixels, so every later row
+            // keeps describing its own picture.
             if (g_arThumbBits.IsValidIndex(row)) {
                 qv::FreeBlock(g_arThumbBits.GetAt(row));
                 g_arThumbBits.RemoveAt(row);
+            }
+            if (g_arThumbHeaders.IsValidIndex(row)) {
+                qv::FreeBlock(g_arThumbHeaders.GetAt(row));
+                g_arThumbHeaders.RemoveAt(row);
             }
         }
         --m_nSceneCount;

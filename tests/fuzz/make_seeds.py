@@ -48,7 +48,7 @@ def main():
         "truncated-entry.psf": ("truncated", 0),
         "lying-pixel-count.psf": ("truncated", 0),
         "negative-count.psf": ("complete", 0),     # read as an empty list
-        "short-header.psf": ("truncated", 0),     # the rest of the header reads as zero
+        "short-header.psf": ("no-header", 0),     # shorter than its header: no list at all
     }
     v3 = header(2, 3) + entry(0x00000A00, 0x00001400, b"first", marked=1) + entry(0x00001E00, 0x00002800, b"second")
     files["v3-two-scenes.psf"] = v3

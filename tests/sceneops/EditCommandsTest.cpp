@@ -120,6 +120,7 @@ TEST_F(EditCommandsTest, DeleteAsksThenKeepsTheMarksAndSelectsWhatFollows)
         if (c.answer == IDYES && c.rows > c.from) EXPECT_EQ(Scene(c.from).dwTimeCodeIn, Tc(0, 0, 10 * (c.to + 1), 0));
         EXPECT_TRUE(Enabled(IDC_SAVE_LIST) == (c.rows > 0) && (Dlg().m_bModified != 0) == (c.rows > 0));
         if (c.rows == 0) EXPECT_EQ(SceneTableSize(), 0);
+        EXPECT_EQ(g_arThumbHeaders.GetSize(), g_arThumbBits.GetSize());  // each row keeps its own picture
         TearDown();
         SetUp();
     }

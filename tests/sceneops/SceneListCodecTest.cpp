@@ -157,8 +157,8 @@ TEST(SceneListFile, VersionsAndDamage)
              }
          },
          0, ReadStatus::Complete, 2, Tc(0, 1, 0, 0), QV_NO_POSITION, 0x5A5A5A5A, true},
-        {"0 bytes", cut(0), 2, ReadStatus::Complete, 0, 0, 0, 0, false},
-        {"short header", cut(1000), 2, ReadStatus::Truncated, 0, 0, 0, 0, false},
+        {"0 bytes", cut(0), 2, ReadStatus::NoHeader, 0, 0, 0, 0, false},
+        {"short header", cut(1000), 2, ReadStatus::NoHeader, 0, 0, 0, 0, false},
         {"header size field not 1314", [](Bytes& b) { b[0] = 0x21; }, 2, ReadStatus::Complete, 2, 1800, 7, 40, false},
         {"second entry cut short", cut(kHeader + kEntry + 600), 2, ReadStatus::Truncated, 1, 1800, 7, 40, true},
         {"entry cut inside its pixels", cut(kHeader + kEntry - 3), 2, ReadStatus::Truncated, 0, 0, 0, 0, true},
