@@ -1,5 +1,4 @@
 #include "BenchSupport.h"
-#include "support/ProcessMemory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -67,9 +66,20 @@ void Note(const std::string& text)
     std::fflush(stdout);
 }
 
+// The sum of this process's private, committed regions (walked with
+// VirtualQuery, which Wine answers from its own map of the address space).
 uint64_t PrivateBytes()
 {
-    return qvtest::PrivateBytes();
+    uint64_t total = 0;
+    MEMORY_BASIC_INFORMATION mbi;
+    const char* p = nullptr;
+    while (VirtualQuery(p, &mbi, sizeof mbi) == sizeof mbi) {
+        if (mbi.State == MEM_COMMIT && mbi.Type == MEM_PRIVATE) total += mbi.RegionSize;
+        const char* next = static_cast<const char*>(mbi.BaseAddress) + mbi.RegionSize;
+        if (next <= p) break;
+        p = next;
+    }
+    return total;
 }
 
 namespace {

@@ -49,7 +49,7 @@ void Report(const Row& row);
 // A line of free text under the table (how a figure was taken).
 void Note(const std::string& text);
 
-// Committed private bytes of this process (tests/support/ProcessMemory.h).
+// Committed private bytes of this process (what Windows calls private bytes).
 uint64_t PrivateBytes();
 
 // The message pump of the tests (tests/support/Pump.h).

@@ -6,13 +6,11 @@
 #include "support/Portable.h"
 #include "support/Pump.h"
 #include "support/ScriptedHost.h"
+#include "support/TestEnvironment.h"
 
 #include <windows.h>
 #include <commctrl.h>
 #include <gtest/gtest.h>
-
-#include <string>
-
 
 using namespace qvtest;
 
@@ -45,11 +43,7 @@ TEST(HostEndToEnd, ExportsScanFeedStopAndClose)
                              "qvSetSceneBitmapData", "qvSetSceneDataBegin", "qvSetSceneDataEnd", "qvShowPreScanDlg"})
         EXPECT_NE(GetProcAddress(g_dll, name), nullptr) << name;
 
-    char temp[MAX_PATH];  // a settings folder of the test's own
-    GetTempPathA(sizeof temp, temp);
-    std::string settings = std::string(temp) + "qv-e2e-settings";
-    CreateDirectoryA(settings.c_str(), nullptr);
-    SetEnvironmentVariableA("QVPRESCAN_APPDATA", settings.c_str());
+    AppDataDir();  // a settings folder of the run's own
     ScriptedHost& host = ScriptedHost::Instance();
     host.Reset();
     PreScanInitInfo info = MakeInitInfo(".avi", 0, "");

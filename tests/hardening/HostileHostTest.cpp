@@ -13,6 +13,8 @@
 #include <climits>
 #include <cstring>
 #include <functional>
+#include <iterator>
+#include <tuple>
 
 using namespace qvtest;
 using HostileHostTest = DialogFixture;
@@ -87,37 +89,61 @@ TEST_F(HostileHostTest, TextsAtTheirLimitAndOnePast)
     }
 }
 
-TEST_F(HostileHostTest, ThumbnailSizesThatLieAndIndicesOutOfRange)
+// A thumbnail is kept as the host sent it whenever the pixels its header
+// describes lie within the bytes delivered (and never more than those are
+// read); a header that describes more, or does not say how much, gets a
+// blank picture.  Null pointers and indices no scene has change nothing.
+TEST_F(HostileHostTest, ThumbnailsKeptVerbatimOrBlankAndBadIndicesIgnored)
 {
     OpenDialog();
     StartScan();
-    Thumbnail thumb = MakeThumbnail(10, 20, 30);
-    const uint32_t whole = static_cast<uint32_t>(thumb.bits.size());
-    struct Case {
-        uint32_t claimed;
+    const uint32_t kMjpg = 0x47504A4D, k24 = 80 * 3 * 60;
+    struct Case {  // stored: bytes the table keeps, 0 for no thumbnail; kept: header and bytes as sent
+        const char* what;
+        uint32_t compression, sizeImage, delivered;
+        uint16_t bitCount;
         bool withPixels;
-        uint32_t stored;  // bytes the table keeps
-        bool blank;       // a blank picture in their place
-    } cases[] = {{0, true, 0, false}, {whole, false, 0, false}, {whole - 1, true, whole, true},
-                 {0xFFFFFFF0u, true, whole, false}};  // fewer bytes than the header describes; near 4 GiB
-    for (int row = 0; row < 4; ++row) {
+        uint32_t stored;
+        bool kept;
+    } cases[] = {
+        {"24-bit, bytes to spare", 0, 0, k24 + 100, 24, true, k24 + 100, true},
+        {"8-bit", 0, 0, 80 * 60, 8, true, 80 * 60, true},
+        {"compressed", kMjpg, 700, 700, 24, true, 700, true},
+        {"near 4 GiB claimed", 0, 0, 0xFFFFFFF0u, 24, true, k24, true},
+        {"compressed, fewer bytes than it states", kMjpg, 700, 699, 24, true, k24, false},
+        {"compressed, no size stated", kMjpg, 0, 700, 24, true, k24, false},
+        {"24-bit, fewer bytes than it describes", 0, 0, k24 - 1, 24, true, k24, false},
+        {"no bytes claimed", 0, 0, 0, 24, true, 0, false},
+        {"no pixels", 0, 0, k24, 24, false, 0, false},
+    };
+    std::vector<uint8_t> pixels(20000);
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<uint8_t>(i * 7 + 1);
+    int thumbs = 0, rows = int(std::size(cases));
+    for (int row = 0; row < rows; ++row) {
         const Case& c = cases[row];
-        SCOPED_TRACE(c.claimed);
-        SceneInfo scene = MakeScene(Tc(0, 1, row, 0), 0, c.claimed);
-        qvSetSceneDataBegin(&scene, c.withPixels ? &thumb.header : nullptr, c.withPixels ? thumb.bits.data() : nullptr);
-        scene.dwTimeCodeOut = Tc(0, 1, row, 10);
-        qvSetSceneDataEnd(&scene);
-        EXPECT_EQ(g_arScenes.GetAt(row)->dwThumbSize, c.stored);
-        const uint8_t* bits = c.stored ? g_arThumbBits.GetAt(g_arThumbBits.GetSize() - 1) : nullptr;
-        if (bits) EXPECT_EQ(std::memcmp(bits, c.blank ? std::vector<uint8_t>(whole).data() : thumb.bits.data(), whole), 0);
+        SCOPED_TRACE(c.what);
+        BITMAPINFOHEADER sent = {sizeof sent, 80, 60, 1, c.bitCount, c.compression, c.sizeImage, 0, 0, 0, 0};
+        SceneInfo begin = MakeScene(Tc(0, 1, row, 0), 0, c.delivered), end = MakeScene(Tc(0, 1, row, 0), Tc(0, 1, row, 5));
+        qvSetSceneDataBegin(&begin, c.withPixels ? &sent : nullptr, c.withPixels ? pixels.data() : nullptr);
+        qvSetSceneDataEnd(&end);
+        ASSERT_EQ(g_arScenes.GetAt(row)->dwThumbSize, c.stored);
+        ASSERT_EQ(g_arThumbBits.GetSize(), thumbs += c.stored != 0);
+        if (!c.stored) continue;
+        const ThumbHeader* header = g_arThumbHeaders.GetAt(thumbs - 1);
+        const uint8_t* bits = g_arThumbBits.GetAt(thumbs - 1);
+        EXPECT_EQ(std::memcmp(header, &sent, sizeof sent) == 0, c.kept);
+        EXPECT_EQ(std::memcmp(bits, pixels.data(), c.stored) == 0, c.kept);
+        if (!c.kept) EXPECT_EQ(std::tuple(header->biBitCount, header->biCompression, bits[0] | bits[k24 - 1]), std::tuple(24, 0u, 0));
     }
-    // Null pointers and indices no scene has change nothing.
+    UpdateWindow(Item(IDC_SCENE_LIST));  // what cannot be drawn is a blank cell
     qvSetSceneDataBegin(nullptr, nullptr, nullptr);
     qvSetSceneDataEnd(nullptr);
-    for (int32_t n : {-1, INT_MIN, INT_MAX, 4}) {
-        qvSetSceneBitmapData(n, &thumb.header, thumb.bits.data(), int32_t(whole));
+    const BITMAPINFOHEADER whole = {sizeof whole, 80, 60, 1, 24, BI_RGB, k24, 0, 0, 0, 0};
+    for (int32_t n : {-1, INT_MIN, INT_MAX, rows}) {
+        qvSetSceneBitmapData(n, &whole, pixels.data(), int32_t(k24));
         qvSetCapSceneFileName(n, "C:\\Captures\\x.avi");
     }
-    EXPECT_EQ(SceneTableSize(), 4);
-    EXPECT_EQ(g_arThumbBits.GetSize(), 2);
+    EXPECT_EQ(SceneTableSize(), rows);
+    EXPECT_EQ(g_arThumbBits.GetSize(), thumbs);
+    PressKey(VK_ESCAPE);
 }

@@ -5,17 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace qvtest {
-
-std::string ClassOf(HWND h)
-{
-    char name[64] = "";
-    GetClassNameA(h, name, sizeof name);
-    return name;
-}
-
 namespace {
 
 thread_local ModalResponder* t_active = nullptr;
@@ -44,15 +35,21 @@ std::string ConversionsOf(const std::string& format)
     return letters;
 }
 
-// The button a user would press to get rid of an unexpected box.
-int EscapeButton(HWND h)
+// Presses the button a user would to get rid of a window.
+void Dismiss(HWND h)
 {
-    for (int id : {IDCANCEL, IDNO, IDOK})
-        if (GetDlgItem(h, id)) return id;
-    return IDCANCEL;
+    int id = GetDlgItem(h, IDCANCEL) ? IDCANCEL : GetDlgItem(h, IDNO) ? IDNO : GetDlgItem(h, IDOK) ? IDOK : IDCANCEL;
+    PostMessageA(h, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
 }
 
 } // namespace
+
+std::string ClassOf(HWND h)
+{
+    char name[64] = "";
+    GetClassNameA(h, name, sizeof name);
+    return name;
+}
 
 std::string MessageBoxTextOf(HWND hBox)
 {
@@ -62,150 +59,99 @@ std::string MessageBoxTextOf(HWND hBox)
 }
 
 ModalResponder::ModalResponder(DWORD watchdogMs)
-    : m_watchdogMs(watchdogMs), m_hLibrary(qvCaptureGetNewRCInstanceHandle())
+    : m_hook(SetWindowsHookExA(WH_CBT, &CbtProc, nullptr, GetCurrentThreadId())),
+      m_hLibrary(qvCaptureGetNewRCInstanceHandle()), m_watchdogMs(watchdogMs)
 {
     t_active = this;
-    m_hook = SetWindowsHookExA(WH_CBT, &ModalResponder::CbtProc, nullptr, GetCurrentThreadId());
 }
 
 ModalResponder::~ModalResponder()
 {
-    if (m_hook) UnhookWindowsHookEx(m_hook);
-    if (m_answerTimer) KillTimer(nullptr, m_answerTimer);
-    if (m_watchdog) KillTimer(nullptr, m_watchdog);
+    UnhookWindowsHookEx(m_hook);
+    for (UINT_PTR timer : {m_answerTimer, m_watchdog})
+        if (timer) KillTimer(nullptr, timer);
     if (t_active == this) t_active = nullptr;
 }
 
-ModalResponder& ModalResponder::ExpectMessage(const std::string& text, int button)
-{
-    Expectation e;
-    e.what = "message box \"" + text + "\"";
-    e.isMessage = true;
-    e.text = text;
-    e.button = button;
-    m_expected.push_back(e);
-    return *this;
-}
-
-ModalResponder& ModalResponder::UseLibrary(HINSTANCE hLibrary)
-{
-    m_hLibrary = hLibrary;
-    return *this;
-}
-
-std::string ModalResponder::ResText(UINT id, const char* kind) const
+std::string ModalResponder::ResText(UINT id, const char* conversions) const
 {
     char text[2048] = "";
     LoadStringA(m_hLibrary, id, text, sizeof text);
-    if (text[0] && ConversionsOf(text) == kind) return text;
+    if (text[0] && ConversionsOf(text) == conversions) return text;
     for (const auto& [moduleId, moduleText] : kModuleTexts)
         if (moduleId == id) return moduleText;
     return text;
 }
 
-ModalResponder& ModalResponder::ExpectMessageRes(UINT id, int button)
-{
-    return ExpectMessage(ResText(id, ""), button);
-}
-
-ModalResponder& ModalResponder::ExpectWindow(const std::string& what, std::function<bool(HWND)> handler)
-{
-    Expectation e;
-    e.what = what;
-    e.handler = std::move(handler);
-    m_expected.push_back(e);
-    return *this;
-}
-
 void ModalResponder::Verify() const
 {
-    for (const auto& f : m_failures) ADD_FAILURE() << f;
-    for (size_t i = m_next; i < m_expected.size(); ++i) ADD_FAILURE() << "never shown: " << m_expected[i].what;
+    for (size_t i = m_next; i < m_expected.size(); ++i) ADD_FAILURE() << "never shown: " << m_expected[i].text;
 }
 
 LRESULT CALLBACK ModalResponder::CbtProc(int code, WPARAM wp, LPARAM lp)
 {
     ModalResponder* self = t_active;
-    if (self && code == HCBT_ACTIVATE && wp) self->OnActivate(reinterpret_cast<HWND>(wp));
-    if (self && code == HCBT_DESTROYWND && wp) {
-        // Window handles are reused: a new window may get a closed one's handle.
-        auto& handled = self->m_handled;
-        handled.erase(std::remove(handled.begin(), handled.end(), reinterpret_cast<HWND>(wp)), handled.end());
-    }
-    return CallNextHookEx(self ? self->m_hook : nullptr, code, wp, lp);
-}
-
-void ModalResponder::OnActivate(HWND hWnd)
-{
+    HWND h = reinterpret_cast<HWND>(wp);
     DWORD pid = 0;
-    GetWindowThreadProcessId(hWnd, &pid);
-    if (pid != GetCurrentProcessId()) return;
-    if (std::find(m_handled.begin(), m_handled.end(), hWnd) != m_handled.end()) return;
-    bool isBox = IsMessageBox(hWnd);
-    bool windowExpected = m_next < m_expected.size() && !m_expected[m_next].isMessage;
-    // Only message boxes and the dialogs a test asked for are answered; the
-    // module's own modeless dialog gets activated too and is left alone.
-    // A modal window disables its owner; the module's modeless dialog, which
-    // is reactivated whenever a modal one closes, does not.
-    HWND owner = GetWindow(hWnd, GW_OWNER);
-    bool modal = owner && !IsWindowEnabled(owner);
-    if (!isBox && !(windowExpected && modal && ClassOf(hWnd) == "#32770")) return;
-    if (m_answerTimer) return;  // one window at a time; a nested one is seen when it activates again
-    m_handled.push_back(hWnd);
-    m_answerWnd = hWnd;
-    // Answer once the window has finished initialising and its modal loop runs.
-    m_answerTimer = SetTimer(nullptr, 0, 30, &ModalResponder::OnAnswerTimer);
+    if (self && h) GetWindowThreadProcessId(h, &pid);
+    if (pid == GetCurrentProcessId() && code == HCBT_DESTROYWND) {
+        // Window handles are reused: a new window may get a closed one's handle.
+        auto& done = self->m_handled;
+        done.erase(std::remove(done.begin(), done.end(), h), done.end());
+    } else if (pid == GetCurrentProcessId() && code == HCBT_ACTIVATE && !self->m_answerTimer &&
+               std::find(self->m_handled.begin(), self->m_handled.end(), h) == self->m_handled.end()) {
+        // Message boxes, and modal dialogs a test asked for, are answered; the
+        // module's modeless dialog (reactivated whenever a modal one closes,
+        // its owner not disabled) is left alone.
+        HWND owner = GetWindow(h, GW_OWNER);
+        bool windowNext = self->m_next < self->m_expected.size() && !self->m_expected[self->m_next].box;
+        if (IsMessageBox(h) || (windowNext && owner && !IsWindowEnabled(owner) && ClassOf(h) == "#32770")) {
+            self->m_handled.push_back(h);
+            self->m_answerWnd = h;
+            // Answer once the window has initialised and its modal loop runs.
+            self->m_answerTimer = SetTimer(nullptr, 0, 30, &OnTimer);
+        }
+    }
+    return CallNextHookEx(nullptr, code, wp, lp);
 }
 
-VOID CALLBACK ModalResponder::OnAnswerTimer(HWND, UINT, UINT_PTR id, DWORD)
+VOID CALLBACK ModalResponder::OnTimer(HWND, UINT, UINT_PTR id, DWORD)
 {
     KillTimer(nullptr, id);
     ModalResponder* self = t_active;
-    if (!self || self->m_answerTimer != id) return;
-    self->m_answerTimer = 0;
-    HWND hWnd = self->m_answerWnd;
-    self->m_answerWnd = nullptr;
-    if (IsWindow(hWnd)) self->Answer(hWnd);
+    if (self && id == self->m_answerTimer) {
+        self->m_answerTimer = 0;
+        if (IsWindow(self->m_answerWnd)) self->Answer(self->m_answerWnd);
+    } else if (self && id == self->m_watchdog) {
+        self->m_watchdog = 0;
+        if (!IsWindow(self->m_watchWnd)) return;
+        ADD_FAILURE() << "window still open after the watchdog's deadline";
+        Dismiss(self->m_watchWnd);
+        PostMessageA(self->m_watchWnd, WM_CLOSE, 0, 0);
+    }
 }
 
 void ModalResponder::Answer(HWND hWnd)
 {
-    bool isBox = IsMessageBox(hWnd);
-    std::string shown = isBox ? MessageBoxTextOf(hWnd) : ClassOf(hWnd);
-    m_seen.push_back(shown);
+    bool box = IsMessageBox(hWnd);
+    std::string shown = box ? MessageBoxTextOf(hWnd) : ClassOf(hWnd);
     if (m_next >= m_expected.size()) {
-        m_failures.push_back("unexpected window: \"" + shown + "\"");
-        PostMessageA(hWnd, WM_COMMAND, MAKEWPARAM(EscapeButton(hWnd), BN_CLICKED), 0);
-        return;
+        ADD_FAILURE() << "unexpected window: \"" << shown << "\"";
+        return Dismiss(hWnd);
     }
     const Expectation& e = m_expected[m_next++];
-    if (e.isMessage) {
-        if (!isBox || shown != e.text) {
-            m_failures.push_back("expected " + e.what + ", got \"" + shown + "\"");
-            PostMessageA(hWnd, WM_COMMAND, MAKEWPARAM(EscapeButton(hWnd), BN_CLICKED), 0);
-            return;
-        }
-        PostMessageA(hWnd, WM_COMMAND, MAKEWPARAM(e.button, BN_CLICKED), 0);
-    } else if (!e.handler(hWnd)) {
-        m_failures.push_back("handler refused " + e.what);
+    if (e.box && (!box || shown != e.text)) {
+        ADD_FAILURE() << "expected message box \"" << e.text << "\", got \"" << shown << "\"";
+        return Dismiss(hWnd);
     }
+    if (e.box)
+        PostMessageA(hWnd, WM_COMMAND, MAKEWPARAM(e.button, BN_CLICKED), 0);
+    else if (!e.handler(hWnd))
+        ADD_FAILURE() << "handler refused " << e.text;
     // The watchdog closes the window if the answer did not.
     if (m_watchdog) KillTimer(nullptr, m_watchdog);
     m_watchWnd = hWnd;
-    m_watchdog = SetTimer(nullptr, 0, m_watchdogMs, &ModalResponder::OnWatchdog);
-}
-
-VOID CALLBACK ModalResponder::OnWatchdog(HWND, UINT, UINT_PTR id, DWORD)
-{
-    KillTimer(nullptr, id);
-    ModalResponder* self = t_active;
-    if (!self || self->m_watchdog != id) return;
-    self->m_watchdog = 0;
-    if (IsWindow(self->m_watchWnd)) {
-        self->m_failures.push_back("window still open after the watchdog's deadline");
-        PostMessageA(self->m_watchWnd, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-        PostMessageA(self->m_watchWnd, WM_CLOSE, 0, 0);
-    }
+    m_watchdog = SetTimer(nullptr, 0, m_watchdogMs, &OnTimer);
 }
 
 } // namespace qvtest

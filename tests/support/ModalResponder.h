@@ -1,20 +1,15 @@
-// Answers the module's modal windows (message boxes, file and option
-// dialogs) from a per-thread CBT hook, as a user would, and fails the test
-// when an unexpected one appears or an expected one never closes.
-//
-// Each expectation is consumed in order.  When a window of this process is
-// activated, the next expectation is checked against it and answered:
-// message boxes by their text (static control 0xFFFF) and a button; other
-// dialogs by a handler that fills controls and presses a button.  A watchdog
-// timer closes anything still open after its deadline and records a failure.
+// Answers the module's modal windows as a user would, from a per-thread CBT
+// hook: message boxes by their text and a button, other modal dialogs by a
+// handler. Expectations are met in order; an unexpected window, a wrong text
+// or a window still open after the watchdog's deadline fails the test.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdio>
 #include <functional>
-#include <type_traits>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace qvtest {
@@ -25,12 +20,11 @@ public:
     ~ModalResponder();
 
     // A message box whose text equals `text`, answered with `button` (IDYES ...).
-    ModalResponder& ExpectMessage(const std::string& text, int button);
-    // A message box showing the text the module shows for string `id`,
-    // formatted with `arg` when given: the resource library's text, or the
-    // module's own English one when the library lacks it or its text reads
-    // other arguments than the one passed.
-    ModalResponder& ExpectMessageRes(UINT id, int button);
+    ModalResponder& ExpectMessage(const std::string& text, int button) { return Expect(true, text, button, {}); }
+    // A message box showing string `id` (formatted with `arg`) as the module
+    // shows it: the resource library's text, or the module's own English one
+    // when the library lacks it or its text reads other arguments.
+    ModalResponder& ExpectMessageRes(UINT id, int button) { return ExpectMessage(ResText(id, ""), button); }
     template <class T> ModalResponder& ExpectMessageRes(UINT id, T arg, int button)
     {
         char text[4096];
@@ -38,49 +32,41 @@ public:
         return ExpectMessage(text, button);
     }
     // The resource library the module uses (the host's, unless a test swaps it).
-    ModalResponder& UseLibrary(HINSTANCE hLibrary);
-    // Any other window: `handler` gets it once it is shown and does what the
-    // user would (it must end the window, e.g. by posting a button click).
-    // Return false from the handler to report a mismatch.
-    ModalResponder& ExpectWindow(const std::string& what, std::function<bool(HWND)> handler);
-
-    // Message box flags of the boxes seen (MB_YESNO | MB_ICONEXCLAMATION ...)
-    // cannot be read back; the texts and the order can.
-    const std::vector<std::string>& Seen() const { return m_seen; }
-    int Pending() const { return static_cast<int>(m_expected.size() - m_next); }
-    // Failures so far: unexpected windows, mismatched texts, watchdog closes.
-    const std::vector<std::string>& Failures() const { return m_failures; }
-    // Checks (with GoogleTest) that every expectation was met and nothing failed.
+    ModalResponder& UseLibrary(HINSTANCE hLibrary) { m_hLibrary = hLibrary; return *this; }
+    // A modal dialog: `handler` does what the user would and must end it
+    // (e.g. by posting a button click); it returns false on a mismatch.
+    ModalResponder& ExpectWindow(const std::string& what, std::function<bool(HWND)> handler)
+    {
+        return Expect(false, what, IDOK, std::move(handler));
+    }
+    // Fails the test for every expectation never met.
     void Verify() const;
 
 private:
     struct Expectation {
-        std::string what;
-        bool isMessage = false;
-        std::string text;
-        int button = IDOK;
+        bool box;
+        std::string text;  // a box's text, or what the window is
+        int button;
         std::function<bool(HWND)> handler;
     };
+    ModalResponder& Expect(bool box, const std::string& text, int button, std::function<bool(HWND)> handler)
+    {
+        m_expected.push_back({box, text, button, std::move(handler)});
+        return *this;
+    }
+    std::string ResText(UINT id, const char* conversions) const;
     static LRESULT CALLBACK CbtProc(int code, WPARAM wp, LPARAM lp);
-    static VOID CALLBACK OnAnswerTimer(HWND, UINT, UINT_PTR id, DWORD);
-    static VOID CALLBACK OnWatchdog(HWND, UINT, UINT_PTR id, DWORD);
-    void OnActivate(HWND hWnd);
+    static VOID CALLBACK OnTimer(HWND, UINT, UINT_PTR id, DWORD);
     void Answer(HWND hWnd);
 
-    std::string ResText(UINT id, const char* kind) const;
-
-    HHOOK m_hook = nullptr;
+    HHOOK m_hook;
     HINSTANCE m_hLibrary;
     DWORD m_watchdogMs;
     std::vector<Expectation> m_expected;
     size_t m_next = 0;
-    std::vector<std::string> m_seen;
-    std::vector<std::string> m_failures;
-    std::vector<HWND> m_handled;
-    UINT_PTR m_answerTimer = 0;
-    HWND m_answerWnd = nullptr;
-    UINT_PTR m_watchdog = 0;
-    HWND m_watchWnd = nullptr;
+    std::vector<HWND> m_handled;        // answered and still open
+    UINT_PTR m_answerTimer = 0, m_watchdog = 0;
+    HWND m_answerWnd = nullptr, m_watchWnd = nullptr;
 };
 
 // A window's class name ("#32770", "Button" ...).

@@ -1,6 +1,5 @@
 #include "support/ScriptedHost.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace qvtest {
@@ -16,17 +15,6 @@ const std::map<int32_t, size_t> kRecordSize = {
 
 } // namespace
 
-ScriptedHost& ScriptedHost::Instance()
-{
-    static ScriptedHost host;
-    return host;
-}
-
-int32_t ScriptedHost::Proc(int32_t nRequest, intptr_t lParam)
-{
-    return Instance().Handle(nRequest, lParam);
-}
-
 void ScriptedHost::Reset()
 {
     m_requests.clear();
@@ -39,25 +27,6 @@ void ScriptedHost::Reset()
         for (auto& flag : status->adwCondition) flag = 1;
         return 1;
     };
-}
-
-int ScriptedHost::Count(int32_t code) const
-{
-    return static_cast<int>(std::count_if(m_requests.begin(), m_requests.end(), [&](auto& r) { return r.code == code; }));
-}
-
-const RecordedRequest* ScriptedHost::Last(int32_t code) const
-{
-    for (auto it = m_requests.rbegin(); it != m_requests.rend(); ++it)
-        if (it->code == code) return &*it;
-    return nullptr;
-}
-
-std::vector<int32_t> ScriptedHost::Codes() const
-{
-    std::vector<int32_t> codes;
-    for (const auto& r : m_requests) codes.push_back(r.code);
-    return codes;
 }
 
 int32_t ScriptedHost::Handle(int32_t code, intptr_t arg)

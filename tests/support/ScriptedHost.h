@@ -24,9 +24,13 @@ class ScriptedHost {
 public:
     using Answer = std::function<int32_t(intptr_t arg)>;
 
-    static ScriptedHost& Instance();
+    static ScriptedHost& Instance()
+    {
+        static ScriptedHost host;
+        return host;
+    }
     // The callback a PreScanInitInfo carries.
-    static int32_t Proc(int32_t nRequest, intptr_t lParam);
+    static int32_t Proc(int32_t nRequest, intptr_t lParam) { return Instance().Handle(nRequest, lParam); }
 
     // Forgets the requests and restores the default answers: requests 1, 3,
     // 6, 9 and 12 succeed, request 10 has no position, request 11 reports a
@@ -35,9 +39,21 @@ public:
     void OnRequest(int32_t code, Answer answer) { m_answers[code] = std::move(answer); }
 
     const std::vector<RecordedRequest>& Requests() const { return m_requests; }
-    int Count(int32_t code) const;
-    const RecordedRequest* Last(int32_t code) const;
-    std::vector<int32_t> Codes() const;
+    int Count(int32_t code) const { return static_cast<int>(Codes(code).size()); }
+    const RecordedRequest* Last(int32_t code) const
+    {
+        for (auto it = m_requests.rbegin(); it != m_requests.rend(); ++it)
+            if (it->code == code) return &*it;
+        return nullptr;
+    }
+    // The codes of the requests so far, in order (only `code`'s, if given).
+    std::vector<int32_t> Codes(int32_t code = -1) const
+    {
+        std::vector<int32_t> codes;
+        for (const auto& r : m_requests)
+            if (code < 0 || r.code == code) codes.push_back(r.code);
+        return codes;
+    }
     // The record the last request `code` carried, as the module sent it
     // (all zero when there was none).
     template <class T> T LastRecord(int32_t code) const

@@ -2,33 +2,29 @@
 
 #include <windows.h>
 
-#include <cstdio>
-
 namespace qvtest {
 
 const char kIniMissing[] = "<missing>";
-namespace {
 
-std::string RunFolder()
+// A fresh folder `name` under this run's own temp folder (no trailing "\").
+static std::string NewFolder(const std::string& name)
 {
-    static std::string folder = [] {
+    static const std::string run = [] {
         char temp[MAX_PATH] = "";
         GetTempPathA(sizeof temp, temp);
-        char path[MAX_PATH];
-        std::snprintf(path, sizeof path, "%sqvtest-%lu-%lu", temp, GetCurrentProcessId(), GetTickCount());
-        CreateDirectoryA(path, nullptr);
-        return std::string(path);
+        std::string path = temp + ("qvtest-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount()));
+        CreateDirectoryA(path.c_str(), nullptr);
+        return path;
     }();
-    return folder;
+    std::string path = run + "\\" + name;
+    CreateDirectoryA(path.c_str(), nullptr);
+    return path;
 }
-
-} // namespace
 
 const std::string& AppDataDir()
 {
-    static std::string dir = [] {
-        std::string d = RunFolder() + "\\appdata";
-        CreateDirectoryA(d.c_str(), nullptr);
+    static const std::string dir = [] {
+        std::string d = NewFolder("appdata");
         SetEnvironmentVariableA("QVPRESCAN_APPDATA", d.c_str());
         return d + "\\";
     }();
@@ -50,10 +46,7 @@ void WriteIni(const char* key, const char* value) { WritePrivateProfileStringA("
 std::string MakeTempDir(const char* name)
 {
     static int counter = 0;
-    char path[MAX_PATH];
-    std::snprintf(path, sizeof path, "%s\\%s-%d", RunFolder().c_str(), name, ++counter);
-    CreateDirectoryA(path, nullptr);
-    return path;
+    return NewFolder(name + ("-" + std::to_string(++counter)));
 }
 
 } // namespace qvtest
