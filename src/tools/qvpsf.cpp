@@ -1,12 +1,8 @@
-// qvpsf: shows a scene list file (.psf) for people who edit after capturing.
-//
-//   qvpsf show FILE [--tv 0|1|2]   the tape and one line per scene
-//   qvpsf csv FILE [--tv 0|1|2]    the same as CSV with a header row
-//
-// --tv is the tape's TV standard, which the file does not record: 2 (25
-// frames per second) by default, 0 or 1 for the 30-frame standards (1 shows
-// the frame number after a '.').  A missing, truncated or damaged file is
-// reported and the exit status is not 0.
+// qvpsf: shows a scene list file (.psf) for people who edit after capturing:
+// the tape and one line per scene, the same as CSV for a spreadsheet, or an
+// edit decision list (CMX 3600) for an editor.  `qvpsf --help` tells how.
+// A missing, truncated or damaged file is reported and the exit status is
+// not 0.
 #include "listview/RowTexts.h"
 #include "platform/MemoryBlock.h"
 #include "sceneops/SceneListCodec.h"
@@ -66,9 +62,137 @@ SceneLine LineOf(SceneRecord& r, int tv, const qv::RowTextSources& src)
     return line;
 }
 
-int Usage()
+// ---- edit decision list -------------------------------------------------
+
+// How an EDL counts frames: --tv 2 is 25 frames per second; --tv 1 (the
+// standard that shows its frame number apart) is 30 frames per second with
+// drop-frame numbering, --tv 0 the same rate numbered without dropping.
+struct EdlClock {
+    int fps;
+    bool drop;
+
+    explicit EdlClock(int tv) : fps(qv::GetFrameRate(tv)), drop(tv == 1) {}
+
+    // A valid time code of this clock: fields in range, and with drop-frame
+    // numbering not one of the two numbers left out at most minute starts.
+    bool IsValid(uint32_t t) const
+    {
+        int h = (t >> 24) & 0xFF, m = (t >> 16) & 0xFF, s = (t >> 8) & 0xFF, f = t & 0xFF;
+        if (qv::IsNoTimeCode(t) || h > 23 || m > 59 || s > 59 || f >= fps) return false;
+        return !(drop && s == 0 && f < 2 && m % 10 != 0);
+    }
+
+    // Zero-based frame number of a valid time code.
+    int32_t Frames(uint32_t t) const
+    {
+        if (fps == 25 || drop) return qv::TimeCodeToFrames(t, drop ? 1 : 2) - 1;
+        return (((int32_t((t >> 24) & 0xFF) * 60 + int32_t((t >> 16) & 0xFF)) * 60 + int32_t((t >> 8) & 0xFF)) * fps) +
+               int32_t(t & 0xFF);
+    }
+
+    // A scene's length in frames; 0 when it has no two valid time codes.
+    int32_t Length(const SceneRecord& r) const
+    {
+        if (!IsValid(r.dwTimeCodeIn) || !IsValid(r.dwTimeCodeOut)) return 0;
+        int32_t length = Frames(r.dwTimeCodeOut) - Frames(r.dwTimeCodeIn);
+        return length > 0 ? length : 0;
+    }
+
+    // "hh:mm:ss:ff"; drop-frame codes take ';' before the frames.
+    std::string Text(uint32_t t) const
+    {
+        char text[qv::TIME_TEXT_SIZE];
+        qv::FormatTimeCode(t, fps == 25 ? 2 : 0, true, text, sizeof text);
+        if (drop) text[8] = ';';
+        return text;
+    }
+
+    // The time code of a frame number; drop-frame numbering skips frame
+    // numbers 0 and 1 of every minute but every tenth.
+    std::string TextOfFrames(int32_t n) const
+    {
+        if (drop) {
+            const int32_t tenMinutes = 17982, minute = 1798;
+            int32_t rest = n % tenMinutes;
+            n += 18 * (n / tenMinutes) + (rest < 2 ? 0 : 2 * ((rest - 2) / minute));
+        }
+        return Text(qv::FramesToTimeCode(n, fps == 25 ? 2 : 0));
+    }
+};
+
+// Reel names hold 8 characters: letters (upper-cased), digits and '_'.
+std::string ReelOf(const std::string& tapeName)
 {
-    std::fprintf(stderr, "usage: qvpsf show|csv FILE [--tv 0|1|2]\n");
+    std::string reel = tapeName.substr(0, 8);
+    for (char& c : reel) {
+        unsigned char u = static_cast<unsigned char>(c);
+        if (u >= 'a' && u <= 'z') c = static_cast<char>(u - 'a' + 'A');
+        else if (!((u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9'))) c = '_';
+    }
+    return reel.empty() ? "AX" : reel;
+}
+
+const char kReelRule[] =
+    "The reel of every event is the tape name's first 8 characters, letters\n"
+    "upper-cased, digits kept and any other character made '_'; a tape without\n"
+    "a name gives reel AX.\n";
+
+// One event per scene (only marked ones when asked), laid end to end on the
+// record side from 01:00:00:00.  Scenes without two valid time codes, or
+// ending where they begin, have nothing to cut and are left out.
+int WriteEdl(const Scenes& scenes, const char* path, int tv, bool markedOnly)
+{
+    const EdlClock clock(tv);
+    std::string title = OneLine(scenes.info.tapeName.empty() ? std::string(path) : scenes.info.tapeName);
+    std::printf("TITLE: %s\nFCM: %s\n", title.c_str(), clock.drop ? "DROP FRAME" : "NON-DROP FRAME");
+    const std::string reel = ReelOf(scenes.info.tapeName);
+    int32_t record = clock.Frames(0x01000000);
+    int event = 0;
+    for (size_t i = 0; i < scenes.records.size(); ++i) {
+        const SceneRecord& r = scenes.records[i];
+        if (markedOnly && !r.bMarked) continue;
+        const int32_t length = clock.Length(r);
+        if (length == 0) {
+            std::fprintf(stderr, "qvpsf: scene %zu has no time codes to cut at; left out\n", i + 1);
+            continue;
+        }
+        if (++event > 999) {
+            std::fprintf(stderr, "qvpsf: an edit decision list holds at most 999 events\n");
+            return 1;
+        }
+        std::printf("\n%03d  %-8s V     C        %s %s %s %s\n", event, reel.c_str(), clock.Text(r.dwTimeCodeIn).c_str(),
+                    clock.Text(r.dwTimeCodeOut).c_str(), clock.TextOfFrames(record).c_str(),
+                    clock.TextOfFrames(record + length).c_str());
+        record += length;
+        std::string comment = OneLine(std::string(r.szComment, strnlen(r.szComment, sizeof r.szComment)));
+        std::string file(r.szCaptureFile, strnlen(r.szCaptureFile, sizeof r.szCaptureFile));
+        if (!comment.empty()) std::printf("* COMMENT: %s\n", comment.c_str());
+        if (!file.empty()) std::printf("* SOURCE FILE: %s\n", OneLine(file).c_str());
+    }
+    return 0;
+}
+
+// ---- command line --------------------------------------------------------
+
+const char kUsage[] =
+    "usage: qvpsf show FILE [--tv 0|1|2]   the tape and one line per scene\n"
+    "       qvpsf csv FILE [--tv 0|1|2]    the same as CSV (RFC 4180) with a header row\n"
+    "       qvpsf edl FILE [--tv 0|1|2] [--marked]\n"
+    "                                      an edit decision list (CMX 3600), one\n"
+    "                                      event per scene, to import into an editor\n"
+    "       qvpsf --help                   this text\n"
+    "\n"
+    "--tv      the tape's TV standard, which the file does not record: 2 (25 frames\n"
+    "          per second, the default), 0 or 1 (30 frames per second; 1 shows the\n"
+    "          frame number after a '.' and makes a drop-frame EDL, 0 a non-drop one)\n"
+    "--marked  edl: only the scenes marked for capture\n"
+    "\n"
+    "The EDL goes to standard output; its record times run from 01:00:00:00 and\n"
+    "each event carries the scene's comment and captured file as comment lines.\n";
+
+int BadArguments(const std::string& why)
+{
+    std::fprintf(stderr, "qvpsf: %s\nrun 'qvpsf --help' for the usage\n", why.c_str());
     return 2;
 }
 
@@ -76,15 +200,29 @@ int Usage()
 
 int main(int argc, char** argv)
 {
-    if (argc < 3) return Usage();
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::printf("%s\n%s", kUsage, kReelRule);
+        return 0;
+    }
+    if (argc < 3) return BadArguments(argc < 2 ? "no command given" : "no scene list file given");
     std::string command = argv[1];
     const char* path = argv[2];
+    if (command != "show" && command != "csv" && command != "edl")
+        return BadArguments("unknown command '" + command + "' (show, csv or edl)");
     int tv = 2;
+    bool markedOnly = false;
     for (int i = 3; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--tv") == 0 && i + 1 < argc) tv = std::atoi(argv[++i]);
-        else return Usage();
+        std::string option = argv[i];
+        if (option == "--tv") {
+            std::string value = i + 1 < argc ? argv[++i] : "";
+            if (value != "0" && value != "1" && value != "2") return BadArguments("--tv takes 0, 1 or 2");
+            tv = value[0] - '0';
+        } else if (option == "--marked" && command == "edl") {
+            markedOnly = true;
+        } else {
+            return BadArguments("unknown option '" + option + "' for " + command);
+        }
     }
-    if ((command != "show" && command != "csv") || tv < 0 || tv > 2) return Usage();
 
     qv::File file;
     if (!file.OpenRead(path)) {
@@ -104,7 +242,10 @@ int main(int argc, char** argv)
     src.pszUnknownDate = "no date";
     src.pszCapturedPrefix = "captured: ";
     src.pszScenePrefix = "scanned: ";
-    if (command == "show") {
+    int status = 0;
+    if (command == "edl") {
+        status = WriteEdl(scenes, path, tv, markedOnly);
+    } else if (command == "show") {
         std::printf("tape:        %s\ndescription: %s\ncapture:     %s\nlibrary:     %s\nversion:     %d\nscenes:      %zu\n",
                     scenes.info.tapeName.c_str(), OneLine(scenes.info.tapeDescription).c_str(),
                     scenes.info.captureFolder.c_str(), scenes.info.productionLibFolder.c_str(), scenes.info.nVersion,
@@ -127,10 +268,10 @@ int main(int argc, char** argv)
                         Csv(r.szSceneFile).c_str());
         }
     }
-    if (result.status != qv::ReadStatus::Complete) {
+    if (status == 0 && result.status != qv::ReadStatus::Complete) {
         std::fprintf(stderr, "qvpsf: %s: the file ends early or is damaged after %d of %d scenes\n", path,
                      result.nEntries, scenes.info.nDeclaredScenes);
         return 1;
     }
-    return 0;
+    return status;
 }

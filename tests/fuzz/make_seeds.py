@@ -19,10 +19,10 @@ def header(count, version, name=b"Tape", description=b"Seed, with \"quotes\"\nan
             + field(b"E:\\Library", 260) + struct.pack("<i", version) + b"\0" * 6)
 
 
-def record(tc_in, tc_out, thumb, comment=b"", marked=0):
+def record(tc_in, tc_out, thumb, comment=b"", marked=0, capture=b"C:\\cap\\a, b.avi"):
     info = struct.pack("<II8HI", tc_in, tc_out, 2003, 7, 5, 4, 15, 6, 9, 0, thumb)
     info += b"C:\\scan\\a.dv".ljust(260, b"\0") + struct.pack("<II3I", 10, 20, 0, 0, 0)
-    rest = struct.pack("<iii", 0, 0, marked) + comment.ljust(520, b"\0") + b"C:\\cap\\a, b.avi".ljust(260, b"\0")
+    rest = struct.pack("<iii", 0, 0, marked) + comment.ljust(520, b"\0") + capture.ljust(260, b"\0")
     return info + rest + b"\0" * 40
 
 
@@ -30,9 +30,9 @@ def bmp_header(w, h):
     return struct.pack("<IiiHHIIiiII", 40, w, h, 1, 24, 0, w * h * 3, 0, 0, 0, 0)
 
 
-def entry(tc_in, tc_out, comment=b"", marked=0):
+def entry(tc_in, tc_out, comment=b"", marked=0, **more):
     pixels = bytes(range(48))
-    return record(tc_in, tc_out, len(pixels), comment, marked) + bmp_header(4, 4) + pixels
+    return record(tc_in, tc_out, len(pixels), comment, marked, **more) + bmp_header(4, 4) + pixels
 
 
 def main():

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# qvpsf on the seed files: what it shows, its CSV, and its refusals.
+# qvpsf on the seed files: what it shows, its CSV, its EDL (read back by
+# edl_check.py), its usage and its refusals.
 set -u
 qvpsf="$1"
 corpus="$(dirname "$0")/../fuzz/corpus"
@@ -30,8 +31,32 @@ tmp=$(mktemp -d); trap 'rm -rf "$tmp"' EXIT
 err=$("$qvpsf" show "$tmp/other.psf" 2>&1 >/dev/null)
 check "a header size other than 1314 exits non-zero" '[ $? -ne 0 ]'
 check "a header size other than 1314 is not a scene list file" 'grep -q "not a scene list file" <<<"$err"'
-"$qvpsf" show "$corpus/no-such-file.psf" >/dev/null 2>&1
-check "a missing file exits non-zero" '[ $? -ne 0 ]'
-"$qvpsf" show "$corpus/v3-two-scenes.psf" --tv 9 >/dev/null 2>&1
-check "an unknown standard is refused" '[ $? -eq 2 ]'
+
+help=$("$qvpsf" --help)
+check "--help exits 0" '[ $? -eq 0 ]'
+check "--help names every command and option" '(for w in show csv edl --tv --marked; do grep -q -- "$w" <<<"$help" || exit 1; done)'
+check "--help states the reel rule" 'grep -q "first 8 characters" <<<"$help" && grep -q "reel AX" <<<"$help"'
+
+# arguments, exit status, what stderr must say
+refused() {
+    local want="$1" says="$2"; shift 2
+    err=$("$qvpsf" "$@" 2>&1 >/dev/null)
+    local got=$?
+    check "qvpsf $* exits $want" '[ $got -eq $want ]'
+    check "qvpsf $* says \"$says\"" 'grep -q -- "$says" <<<"$err"'
+}
+v3="$corpus/v3-two-scenes.psf"
+refused 2 "no command"
+refused 2 "no scene list file" edl
+refused 2 "unknown command 'cut'" cut "$v3"
+refused 2 "--tv takes 0, 1 or 2" show "$v3" --tv 9
+refused 2 "--tv takes 0, 1 or 2" edl "$v3" --tv
+refused 2 "--tv takes 0, 1 or 2" edl "$v3" --tv 1x
+refused 2 "unknown option '--marked' for csv" csv "$v3" --marked
+refused 2 "unknown option '-x'" edl "$v3" -x
+refused 1 "cannot be opened" edl "$corpus/no-such-file.psf"
+refused 1 "not a scene list file" edl "$corpus"
+refused 1 "ends early or is damaged" edl "$corpus/truncated-entry.psf"
+
+python3 "$(dirname "$0")/edl_check.py" "$qvpsf" || fail=1
 exit $fail
