@@ -1,6 +1,8 @@
 // The scan options dialog: fields set as a user would, OK and Cancel, the
-// settings file read back, the library request, and refused overlong texts.
+// settings file read back, the library request, refused overlong texts, focus
+// changes that flip nothing, and why a folder browse failed.
 #include "ResourceIds.h"
+#include "platform/FolderBrowser.h"
 #include "platform/ResourceLib.h"
 #include "session/Session.h"
 #include "session/Settings.h"
@@ -43,6 +45,8 @@ protected:
     std::string m_folder;
 };
 
+struct { const char* text; UINT id; } g_error;  // what the failing browser records
+
 } // namespace
 
 // The folder shown (the session's, or the default when none is set), and the
@@ -64,7 +68,6 @@ TEST_F(ScanOptionTest, OpensWithTheSessionsValues)
         OpenDialog();
         WithOptions([&](HWND dlg) {
             EXPECT_EQ(Text(dlg, IDC_CAPTURE_FOLDER), c.shown);
-            EXPECT_EQ(Text(dlg, IDC_CAPTURE_NAME), std::string(g_session.szCaptureName));
             EXPECT_EQ(On(dlg, IDC_QUICK_SCAN) && On(dlg, IDC_WANT_INDEX_FILE), c.quick);
             EXPECT_FALSE(On(dlg, IDC_QUICK_SCAN_SPEED));
             PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
@@ -148,4 +151,43 @@ TEST_F(ScanOptionTest, OverlongFieldsAreRefusedNotCut)
         EXPECT_EQ(ReadIni("PSCaptureFileName") == kIniMissing, c.refusal != 0);
     }
     EXPECT_EQ(std::string(g_session.szCaptureName), std::string(95, 'n') + ".avi");
+}
+
+// Only a click changes a setting: a check box that reports focus changes
+// (a host's template may let it) flips nothing.
+TEST_F(ScanOptionTest, FocusFlipsNoSetting)
+{
+    OpenDialog();
+    std::strcpy(g_session.szCaptureFolder, m_folder.c_str());
+    for (int id : {IDC_SAVE_TO_LIBRARY, IDC_WANT_INDEX_FILE, IDC_QUICK_SCAN}) {
+        g_session.nWantIndexFile = g_session.nSaveToLibrary = g_session.nQuickScanSpeed = 0;
+        WithOptions([id](HWND dlg) {
+            HWND box = GetDlgItem(dlg, id);
+            SetWindowLongA(box, GWL_STYLE, GetWindowLongA(box, GWL_STYLE) | BS_NOTIFY);
+            SetFocus(box);
+            PostMessageA(dlg, WM_COMMAND, IDOK, 0);
+        });
+        EXPECT_EQ(g_session.nWantIndexFile + g_session.nSaveToLibrary + g_session.nQuickScanSpeed, 0) << id;
+    }
+}
+
+// A failed browse shows the record's text; else its string ID's; else the
+// general message.
+TEST_F(ScanOptionTest, FailedBrowseTellsWhy)
+{
+    OpenDialog();
+    qReplaceFolderBrowser([](HWND, const char*, std::string&) { return qSetLastErrorRecord(g_hResInst, g_error.id, g_error.text), -1; });
+    struct { const char* text; UINT id, shownId; } cases[] = {{"Drive not ready.", IDS_DEVICE_NOT_READY, 0},
+        {"", IDS_DEVICE_NOT_READY, IDS_DEVICE_NOT_READY}, {"", 0, IDS_BROWSE_FAILED}};
+    for (const auto& c : cases) {
+        g_error = {c.text, c.id};
+        std::string shown = c.shownId ? qv::LoadResString(c.shownId) : c.text;
+        WithOptions(
+            [](HWND dlg) {
+                SendDlgItemMessageA(dlg, IDC_BROWSE_CAPTURE_FOLDER, BM_CLICK, 0, 0);
+                PostMessageA(dlg, WM_COMMAND, IDCANCEL, 0);
+            },
+            [&](HWND box) { return PostMessageA(box, WM_COMMAND, IDOK, 0), MessageBoxTextOf(box) == shown; });
+    }
+    qReplaceFolderBrowser(nullptr);
 }

@@ -58,7 +58,6 @@ protected:
         responder.Verify();
     }
     void Save(const std::string& name) { Through(IDC_SAVE_LIST, ModalResponder().ExpectWindow("save", ChooseFile(name))); }
-    void Open(const std::string& name) { Through(IDC_OPEN_LIST, ModalResponder().ExpectWindow("open", ChooseFile(name))); }
     std::string m_dir;
 };
 
@@ -69,8 +68,7 @@ TEST(SceneListNames, ExtensionRules)
     for (auto [given, completed, had] : {std::tuple<const char*, const char*, bool>{"C:\\a.b\\tape.psf", "", true},
                                           {"C:\\tapes.psf\\tape", "C:\\tapes.psf\\tape.psf", false},
                                           {"C:\\t\\tape.PSF", "C:\\t\\tape.psf", false},
-                                          {"C:\\t\\tape.txt", "C:\\t\\tape.psf", false},
-                                          {"C:\\t\\a.b.psf", "C:\\t\\a.b.psf", true}}) {
+                                          {"C:\\t\\tape.txt", "C:\\t\\tape.psf", false}}) {
         char path[260];
         std::strcpy(path, given);
         EXPECT_EQ(HasListExtension(path), had) << given;
@@ -112,40 +110,61 @@ TEST_F(SceneListFileTest, SaveAndOpenAgain)
     EXPECT_EQ(ReadIni("ProductionLibFolder"), std::string(g_session.szProductionLibFolder));
 }
 
-// A saved one-scene list, changed on disk and opened again.
-TEST_F(SceneListFileTest, OpeningOldShortAndForeignFiles)
+// A saved one-scene list, marked and renamed, changed on disk and opened again. A file
+// that cannot replace the list changes nothing: the list, its marks, the
+// folders and the settings stay, and the file is not rewritten.
+TEST_F(SceneListFileTest, OpeningOldShortDamagedAndForeignFiles)
 {
     const size_t kHeader = 1314, kRecord = 1140;
+    auto damage = [](int16_t count, int32_t version, size_t size) {
+        return [=](std::vector<uint8_t>& b) {
+            Put32(b, 0, 1314 | static_cast<uint16_t>(count) << 16), Put32(b, 1304, version), b[784] = 'D';  // another capture folder
+            b.resize(size);
+        };
+    };
     struct Case {
         const char* what;
         const char* name;
         std::function<void(std::vector<uint8_t>&)> change;
-        uint32_t in, thumbBytes;  // the scene's once open
-        int versionOnDisk;
-        uint32_t inOnDisk;
+        bool kept;                          // the list stays
+        uint32_t in, thumbBytes, inOnDisk;  // the scene's once open; the file's after
     } cases[] = {
         {"version 1: frame counts, rewritten as current", "old.psf",
-         [](auto& b) { Put32(b, 1304, 1), Put32(b, kHeader, 1800); }, Tc(0, 1, 12, 0), 14400, 3, Tc(0, 1, 12, 0)},
+         [](auto& b) { Put32(b, 1304, 1), Put32(b, kHeader, 1800); }, false, Tc(0, 1, 12, 0), 14400, Tc(0, 1, 12, 0)},
         {"fewer pixels than the header describes", "short.psf",
-         [](auto& b) { b.resize(kHeader + kRecord + 40 + 16), Put32(b, kHeader + 24, 16); }, 0, 16, 3, 0},
-        {"another extension is not opened", "notes.txt", [](auto& b) { Put32(b, kHeader, 1800); }, 0, 14400, 3, 1800},
+         [](auto& b) { b.resize(kHeader + kRecord + 40 + 16), Put32(b, kHeader + 24, 16); }, false, 0, 16, 0},
+        {"another extension is not opened", "notes.txt", [](auto& b) { Put32(b, kHeader, 1800); }, true, 0, 14400},
+        {"empty", "empty.psf", damage(1, 3, 0), true, 0, 14400},
+        {"shorter than its header", "cut.psf", damage(1, 3, kHeader - 1), true, 0, 14400},
+        {"oldest version without its shared header", "v0.psf", damage(0, 0, kHeader), true, 0, 14400},
+        {"oldest version, shared header cut short", "v0cut.psf", damage(-1, 0, kHeader + 39), true, 0, 14400},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         ScanScenes(1);
         Save(m_dir + "\\list.psf");
+        MarkRow(0);
+        SetWindowTextA(Item(IDC_TAPE_NAME), "Other");  // a change: opening asks first
+        std::string folder = g_session.szCaptureFolder, iniCapture = ReadIni("PSCaptureFileName");
         std::vector<uint8_t> bytes = ReadBytes(m_dir + "\\list.psf");
         c.change(bytes);
         std::string path = m_dir + "\\" + c.name;
         WriteBytes(path, bytes);
-        Open(path);
-        EXPECT_EQ(std::string(g_session.szSceneListFile), path);
-        ASSERT_EQ(qvGetCurrentSceneNumber(), 1);
+        Through(IDC_OPEN_LIST, ModalResponder().ExpectMessageRes(IDS_ASK_SAVE_CHANGES, IDNO).ExpectWindow("open", ChooseFile(path)));
+        ASSERT_EQ(qvGetCurrentSceneNumber() * 10 + RowCount(), 11);
         EXPECT_EQ(g_arScenes.GetAt(0)->dwTimeCodeIn, c.in);
         EXPECT_EQ(g_arScenes.GetAt(0)->dwThumbSize, c.thumbBytes);
+        EXPECT_EQ(Dlg().m_listScenes.m_nMarkedCount + Enabled(IDC_CAPTURE) + Dlg().m_bModified, c.kept ? 3 : 0);
         std::vector<uint8_t> after = ReadBytes(path);
-        EXPECT_EQ(Get32(after, 1304), c.versionOnDisk);
-        EXPECT_EQ(static_cast<uint32_t>(Get32(after, kHeader)), c.inOnDisk);
+        if (c.kept) {
+            EXPECT_EQ(after, bytes);
+            EXPECT_EQ(g_session.szCaptureFolder, folder);
+            EXPECT_EQ(ReadIni("PSCaptureFileName"), iniCapture);
+        } else {
+            EXPECT_EQ(std::string(g_session.szSceneListFile), path);
+            EXPECT_EQ(Get32(after, 1304), 3);
+            EXPECT_EQ(static_cast<uint32_t>(Get32(after, kHeader)), c.inOnDisk);
+        }
         // The row draws; a picture with too few pixels is left out.
         RECT cell = {};
         Dlg().m_listScenes.GetCellRect(0, 1, LVIR_BOUNDS, cell);
