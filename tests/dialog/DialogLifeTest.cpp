@@ -43,10 +43,9 @@ TEST_F(DialogLifeTest, OpensReadyToScan)
     }
     // A tool tip for every control that has a text.
     int texts = 0;
-    for (HWND c = GetWindow(Wnd(), GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT)) {
-        char text[256];
+    char text[256];
+    for (HWND c = GetWindow(Wnd(), GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
         texts += GetDlgCtrlID(c) > 0 && LoadStringA(g_hResInst, UINT(GetDlgCtrlID(c)), text, sizeof text) > 0;
-    }
     EXPECT_GE(texts, 19);
     EXPECT_EQ(SendMessageA(Dlg().m_toolTip, TTM_GETTOOLCOUNT, 0, 0), texts);
     HWND first = Wnd();  // a second show replaces the first dialog
@@ -56,13 +55,8 @@ TEST_F(DialogLifeTest, OpensReadyToScan)
 TEST_F(DialogLifeTest, WaysToClose)
 {
     enum How { kEscape, kCloseButton, kCaptionClose, kHostClose };
-    struct Case {  // scanning: when the close comes; answer: to the save question, 0: none asked
-        const char* what;
-        How how;
-        bool scanning;
-        int scenes, answer;
-        bool closes;
-    } cases[] = {
+    // scanning: when the close comes; answer: to the save question, 0: none asked
+    struct Case { const char* what; How how; bool scanning; int scenes, answer; bool closes; } cases[] = {
         {"Escape, idle, nothing scanned", kEscape, false, 0, 0, true},
         {"Escape while scanning only stops", kEscape, true, 1, 0, false},
         {"Close button, cancelled", kCloseButton, false, 1, IDCANCEL, false},
@@ -103,9 +97,6 @@ TEST_F(DialogLifeTest, WaysToClose)
         if (c.closes) FeedScene(Tc(0, 1, 0, 0), Tc(0, 1, 0, 5));  // a no-op once the window is gone
         EXPECT_EQ(qvGetCurrentSceneNumber(), c.closes ? 0 : c.scenes);
         EXPECT_EQ(SceneTableSize(), c.closes ? 0 : c.scenes);
-        if (IsWindow(h)) {
-            Dlg().m_bModified = 0;
-            qvForceToStopPreScan(1);
-        }
+        if (IsWindow(h)) Dlg().m_bModified = 0, qvForceToStopPreScan(1);
     }
 }

@@ -11,13 +11,8 @@
 namespace qvtest {
 namespace {
 
-struct StopCase {
-    const char* name;
-    int scenes;
-    int lateBefore;          // late scene messages counted at an earlier stop
-    std::vector<UINT> keys;  // key-downs queued behind the scenes
-    int rowsLeft;
-};
+// lateBefore: late scene messages counted at an earlier stop; keys: key-downs queued behind the scenes.
+struct StopCase { const char* name; int scenes, lateBefore; std::vector<UINT> keys; int rowsLeft; };
 void PrintTo(const StopCase& c, std::ostream* os) { *os << c.name; }
 
 // The first scene message finds Escape and stops the scan; ten late messages

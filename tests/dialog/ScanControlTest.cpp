@@ -7,6 +7,7 @@
 #include "support/DialogFixture.h"
 #include "support/TestEnvironment.h"
 
+#include <algorithm>
 #include <cstring>
 
 using namespace qvtest;
@@ -26,9 +27,7 @@ protected:
 
 bool AllZero(const std::vector<uint8_t>& bytes, size_t from, size_t n)
 {
-    for (size_t i = from; i < from + n; ++i)
-        if (bytes.at(i)) return false;
-    return true;
+    return bytes.size() >= from + n && std::all_of(&bytes[from], &bytes[from] + n, [](uint8_t b) { return !b; });
 }
 
 } // namespace
@@ -127,12 +126,8 @@ TEST_F(ScanControlTest, GoToUsesThePositionOrTheTimeCode)
 {
     OpenWithScenes(1);  // positions are half the time codes
     SelectRow(0);
-    struct Case {  // answer 0: the tape keeps moving until a stop
-        UINT command;
-        int32_t request;
-        uint32_t value;
-        int32_t answer;
-    } cases[] = {
+    // answer 0: the tape keeps moving until a stop
+    struct Case { UINT command; int32_t request; uint32_t value; int32_t answer; } cases[] = {
         {ID_GOTO_SCENE_START, HOSTREQ_SEEK_POSITION, Tc(0, 0, 0, 0) / 2, 1},
         {ID_GOTO_SCENE_END, HOSTREQ_SEEK_POSITION, Tc(0, 0, 5, 0) / 2, 1},
         {ID_GOTO_SCENE_START, HOSTREQ_SEEK_TIMECODE, Tc(0, 0, 0, 0), 1},
@@ -159,10 +154,7 @@ TEST_F(ScanControlTest, GoToUsesThePositionOrTheTimeCode)
 TEST_F(ScanControlTest, TitleShowsTheTapePositionWhileScanning)
 {
     uint32_t position = Tc(0, 12, 34, 5);
-    Host().OnRequest(HOSTREQ_GET_POSITION, [&](intptr_t arg) {
-        *reinterpret_cast<uint32_t*>(arg) = position;
-        return 1;
-    });
+    Host().OnRequest(HOSTREQ_GET_POSITION, [&](intptr_t arg) { return *reinterpret_cast<uint32_t*>(arg) = position, 1; });
     OpenDialog();
     StartScan();
     PumpFor(150);  // the status timer writes the title

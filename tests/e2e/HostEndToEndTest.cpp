@@ -35,8 +35,7 @@ TEST(HostEndToEnd, ExportsScanFeedStopAndClose)
     auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
     auto* dir = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
         base + nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
-    EXPECT_EQ(dir->NumberOfFunctions, 14u);
-    EXPECT_EQ(dir->NumberOfNames, 14u);
+    EXPECT_TRUE(dir->NumberOfFunctions == 14u && dir->NumberOfNames == 14u);
     for (const char* name : {"qvForceToStopPreScan", "qvGetCurrentSceneNumber", "qvGetLibFolderFromPreScan",
                              "qvGetPreScanIndexFileName", "qvMinimizePreScanDlg", "qvPSClearUncompleteScene",
                              "qvPreScanInit", "qvPreScanUnInit", "qvRestorePreScanDlg", "qvSetCapSceneFileName",
@@ -68,19 +67,15 @@ TEST(HostEndToEnd, ExportsScanFeedStopAndClose)
     EXPECT_EQ(QV(qvPSClearUncompleteScene)(), 3);  // the open scene goes
     EXPECT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 3);
     QV(qvMinimizePreScanDlg)();
-    EXPECT_TRUE(IsIconic(dlg));
     QV(qvForceToStopPreScan)(0);  // stop the scan, keep the dialog
-    EXPECT_TRUE(IsWindow(dlg));
-    EXPECT_EQ(host.Codes().back(), HOSTREQ_STOP_SCAN);
+    EXPECT_TRUE(IsIconic(dlg) && IsWindow(dlg) && host.Codes().back() == HOSTREQ_STOP_SCAN);
     EXPECT_EQ(host.Last(HOSTREQ_STOP_SCAN)->arg, 3);
 
     ModalResponder responder;
     responder.ExpectMessageRes(IDS_ASK_SAVE_CHANGES, IDNO);
     QV(qvForceToStopPreScan)(1);
     responder.Verify();
-    EXPECT_FALSE(IsWindow(dlg));
-    EXPECT_EQ(host.Codes().back(), HOSTREQ_DIALOG_CLOSED);
-    EXPECT_EQ(QV(qvGetCurrentSceneNumber)(), 0);
-    EXPECT_EQ(QV(qvPreScanUnInit)(), 1);
+    EXPECT_TRUE(!IsWindow(dlg) && host.Codes().back() == HOSTREQ_DIALOG_CLOSED);
+    EXPECT_TRUE(QV(qvGetCurrentSceneNumber)() == 0 && QV(qvPreScanUnInit)() == 1);
     DestroyWindow(owner);
 }

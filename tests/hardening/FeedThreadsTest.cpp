@@ -59,8 +59,7 @@ TEST_F(FeedThreadsTest, QuickScanFedFromAHostThread)
             << "scene " << i << " lost, duplicated or out of order";
 
     PressKey(VK_ESCAPE);
-    Dlg().m_bModified = 0;
-    qvForceToStopPreScan(1);
+    Dlg().m_bModified = 0, qvForceToStopPreScan(1);
     OpenDialog();
     StartScan();
     host = std::thread(feed, 8000);

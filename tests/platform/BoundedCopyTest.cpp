@@ -1,10 +1,8 @@
-// Fixed fields and tables: a text at the field's limit is kept whole, one
-// past it is cut and reported, and nothing is written outside the field; a
-// host's text is a format only for exactly the arguments passed; an index
-// outside the scene list's pointer table finds nothing and changes nothing.
+// Fixed fields: a text at the field's limit is kept whole, one past it is
+// cut and reported, and nothing is written outside the field; a host's text
+// is a format only for exactly the arguments passed.
 #include "platform/BoundedCopy.h"
 #include "platform/FormatCheck.h"
-#include "platform/PtrArray.h"
 #include "support/Portable.h"
 
 #include <gtest/gtest.h>
@@ -52,18 +50,4 @@ TEST(FormatCheck, TakesOnlyTheArgumentsPassed)
         {"%ld", "d", false},         {"%p", "d", false},                 {"trailing %", "", false}};
     for (const Case& c : cases) EXPECT_EQ(qv::FormatTakes(c.format, c.kinds), c.takes) << c.format;
     EXPECT_FALSE(qv::FormatTakes(nullptr, "s"));
-}
-
-TEST(PtrArray, IndexesOutsideFindNothingAndChangeNothing)
-{
-    int a = 1, b = 2;
-    qv::PtrArray<int> t;
-    t.Add(&a);
-    t.InsertAt(1, &b);  // at the end
-    EXPECT_TRUE(t.GetAtOrNull(-1) == nullptr && t.GetAtOrNull(2) == nullptr);
-    EXPECT_THROW(t.GetAt(2), std::invalid_argument);
-    EXPECT_THROW(t.SetAt(2, &a), std::invalid_argument);
-    EXPECT_THROW(t.RemoveAt(-1), std::invalid_argument);
-    EXPECT_THROW(t.InsertAt(3, &a), std::invalid_argument);
-    EXPECT_TRUE(t.GetSize() == 2 && t[0] == &a && t[1] == &b);
 }

@@ -44,17 +44,8 @@ struct Scan {
     static SceneInfo* Copy(uint32_t in, uint32_t out)
     {
         SceneInfo s = {};
-        s.dwTimeCodeIn = in;
-        s.dwTimeCodeOut = out;
+        s.dwTimeCodeIn = in, s.dwTimeCodeOut = out;
         return static_cast<SceneInfo*>(CopyBlock(&s, sizeof s));
-    }
-    // As the store takes an end: accepted into the queue, then matched.
-    int End(const MatchCase& c, const EndCase& e, SceneInfo& matched)
-    {
-        SceneInfo* end = Copy(e.in, e.out);
-        if (!AcceptQuickScanEnd(q, *end)) return FreeBlock(end), kRejected;
-        ends.Add(end);
-        return MatchQuickScanEnd(q, c.speed, c.completed, c.base, &matched);
     }
 };
 
@@ -81,8 +72,12 @@ TEST(QuickScanMatcherTest, PairsEndsWithBegins)
         Scan scan;
         for (uint32_t in : c.begins) scan.begins.Add(Scan::Copy(in, 0));
         for (const EndCase& e : c.ends) {
-            SceneInfo matched = {};
-            EXPECT_EQ(scan.End(c, e, matched), e.expect) << std::hex << e.in;
+            // As the store takes an end: accepted into the queue, then matched.
+            SceneInfo matched = {}, *end = Scan::Copy(e.in, e.out);
+            int got = kRejected;
+            if (!AcceptQuickScanEnd(scan.q, *end)) FreeBlock(end);
+            else scan.ends.Add(end), got = MatchQuickScanEnd(scan.q, c.speed, c.completed, c.base, &matched);
+            EXPECT_EQ(got, e.expect) << std::hex << e.in;
             if (e.expect >= 0 && c.speed > 0) EXPECT_EQ(matched.dwTimeCodeOut, e.out);
         }
         std::vector<uint32_t> queued;

@@ -51,21 +51,6 @@ TEST(NameRules, CaptureExtension)
     }
 }
 
-// Joining never doubles a backslash (the index file name: folder and
-// PSIndex.avi) and cuts inside the field; splitting is the capture file
-// setting's table (session tests).
-TEST(NameRules, JoiningCutsInsideTheField)
-{
-    struct Row { const char* folder; size_t cb; const char* joined; bool fits; } rows[] = {
-        {"D:\\Video", 260, "D:\\Video\\PSIndex.avi", true}, {"D:\\", 260, "D:\\PSIndex.avi", true},
-        {"", 260, "\\PSIndex.avi", true}, {"D:\\Video", 21, "D:\\Video\\PSIndex.avi", true}, {"D:\\Video", 12, "D:\\Video\\PS", false}};
-    for (const Row& r : rows) {
-        char out[260];
-        EXPECT_EQ(JoinFolderAndName(out, r.cb, r.folder, "PSIndex.avi"), r.fits) << r.folder << " " << r.cb;
-        EXPECT_STREQ(out, r.joined);
-    }
-}
-
 TEST(NameRules, DoubleByteCharactersAreNeverSplit)
 {
     char name[32] = "ab\x81.cd.mpg", single[32] = "ab\x81.cd.mpg";  // "\x81." is one character

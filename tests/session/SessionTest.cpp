@@ -32,11 +32,7 @@ void SetPersonal(const char* v, DWORD type = REG_SZ)
 class SessionTest : public testing::Test {
 protected:
     void SetUp() override { qvPreScanUnInit(), DeleteIni(), ScriptedHost::Instance().Reset(); }
-    void Init(PreScanInitInfo info = MakeInitInfo())
-    {
-        qvPreScanUnInit();
-        ASSERT_EQ(qvPreScanInit(&info), 1);
-    }
+    void Init(PreScanInitInfo info = MakeInitInfo()) { qvPreScanUnInit(); ASSERT_EQ(qvPreScanInit(&info), 1); }
 };
 
 std::string Title() { return qv::LoadResString(IDS_MODULE_TITLE); }

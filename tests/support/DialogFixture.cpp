@@ -74,12 +74,9 @@ void DialogFixture::PressKey(UINT vk)
 SceneInfo MakeScene(uint32_t tcIn, uint32_t tcOut, uint32_t thumbBytes)
 {
     SceneInfo s = {};
-    s.dwTimeCodeIn = tcIn;
-    s.dwTimeCodeOut = tcOut;
+    s.dwTimeCodeIn = tcIn, s.dwTimeCodeOut = tcOut, s.dwThumbSize = thumbBytes;
+    s.dwPositionIn = tcIn / 2, s.dwPositionOut = tcOut / 2;
     s.stRecorded = {2003, 7, 5, 4, 15, 6, 9, 0};
-    s.dwThumbSize = thumbBytes;
-    s.dwPositionIn = tcIn / 2;
-    s.dwPositionOut = tcOut / 2;
     return s;
 }
 
@@ -88,9 +85,8 @@ Thumbnail MakeThumbnail(uint8_t r, uint8_t g, uint8_t b, int width, int height)
     int stride = (width * 3 + 3) & ~3;
     Thumbnail t = {{sizeof(BITMAPINFOHEADER), width, height, 1, 24, BI_RGB, DWORD(stride * height)}, {}};
     t.bits.assign(t.header.biSizeImage, 0);
-    const uint8_t pixel[3] = {b, g, r};
     for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) std::memcpy(&t.bits[size_t(y) * stride + x * 3], pixel, 3);
+        for (int x = 0; x < width * 3; ++x) t.bits[size_t(y) * stride + x] = x % 3 ? x % 3 == 1 ? g : r : b;
     return t;
 }
 
@@ -103,11 +99,7 @@ void DialogFixture::FeedScene(uint32_t tcIn, uint32_t tcOut, bool withThumbnail)
     qvSetSceneDataEnd(&end);
 }
 
-void DialogFixture::StartScan()
-{
-    Click(IDC_START_SCAN);
-    ASSERT_EQ(Dlg().m_nState, PS_SCANNING);
-}
+void DialogFixture::StartScan() { Click(IDC_START_SCAN); ASSERT_EQ(Dlg().m_nState, PS_SCANNING); }
 
 void DialogFixture::OpenWithScenes(int n)
 {

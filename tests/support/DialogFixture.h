@@ -50,11 +50,7 @@ protected:
     void ClickCell(int row, int column, bool shift = false);
     void MarkRow(int row) { ClickCell(row, 0); }
     void SelectRow(int row) { ClickCell(row, 2); }
-    void SelectRows(int from, int to)
-    {
-        SelectRow(from);
-        if (to != from) ClickCell(to, 2, true);
-    }
+    void SelectRows(int from, int to) { SelectRow(from), to != from ? ClickCell(to, 2, true) : void(); }
 
     ScriptedHost& Host() { return ScriptedHost::Instance(); }
     HWND m_hostWindow = nullptr;

@@ -35,24 +35,16 @@ public:
     ModalResponder& UseLibrary(HINSTANCE hLibrary) { m_hLibrary = hLibrary; return *this; }
     // A modal dialog: `handler` does what the user would and must end it
     // (e.g. by posting a button click); it returns false on a mismatch.
-    ModalResponder& ExpectWindow(const std::string& what, std::function<bool(HWND)> handler)
-    {
-        return Expect(false, what, IDOK, std::move(handler));
-    }
+    ModalResponder& ExpectWindow(const std::string& what, std::function<bool(HWND)> h) { return Expect(false, what, IDOK, h); }
     // Fails the test for every expectation never met.
     void Verify() const;
 
 private:
-    struct Expectation {
-        bool box;
-        std::string text;  // a box's text, or what the window is
-        int button;
-        std::function<bool(HWND)> handler;
-    };
+    // text: a box's text, or what the window is
+    struct Expectation { bool box; std::string text; int button; std::function<bool(HWND)> handler; };
     ModalResponder& Expect(bool box, const std::string& text, int button, std::function<bool(HWND)> handler)
     {
-        m_expected.push_back({box, text, button, std::move(handler)});
-        return *this;
+        return m_expected.push_back({box, text, button, std::move(handler)}), *this;
     }
     std::string ResText(UINT id, const char* conversions) const;
     static LRESULT CALLBACK CbtProc(int code, WPARAM wp, LPARAM lp);

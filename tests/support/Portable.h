@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -19,14 +21,8 @@ inline uint32_t Tc(int h, int m, int s, int f)
 
 inline std::vector<uint8_t> ReadBytes(const std::string& path)
 {
-    std::vector<uint8_t> bytes;
-    if (FILE* f = std::fopen(path.c_str(), "rb")) {
-        uint8_t chunk[65536];
-        size_t n;
-        while ((n = std::fread(chunk, 1, sizeof chunk, f)) > 0) bytes.insert(bytes.end(), chunk, chunk + n);
-        std::fclose(f);
-    }
-    return bytes;
+    std::ifstream f(path, std::ios::binary);
+    return std::vector<uint8_t>(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
 }
 
 inline bool WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes)
@@ -64,11 +60,8 @@ template <size_t N> struct Guarded {
     }
     bool Intact() const
     {
-        for (uint8_t b : before)
-            if (b != 0xA5) return false;
-        for (uint8_t b : after)
-            if (b != 0x5A) return false;
-        return true;
+        uint8_t a5[16], x5a[16];
+        return !std::memcmp(before, std::memset(a5, 0xA5, 16), 16) && !std::memcmp(after, std::memset(x5a, 0x5A, 16), 16);
     }
     std::string Text() const { return std::string(field, strnlen(field, N)); }
 };

@@ -30,10 +30,6 @@ inline bool PumpUntil(const std::function<bool()>& done, DWORD timeoutMs = 5000)
 }
 
 // Pumps for `ms` milliseconds.
-inline void PumpFor(DWORD ms)
-{
-    PumpUntil([] { return false; }, ms);
-    PumpPending();
-}
+inline void PumpFor(DWORD ms) { PumpUntil([] { return false; }, ms), PumpPending(); }
 
 } // namespace qvtest

@@ -5,6 +5,7 @@
 
 #include "qvPreScan.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -19,6 +20,8 @@ struct RecordedRequest {
     std::vector<uint8_t> record;      // the record's bytes as the module sent them
     std::vector<SceneSpan> spans;     // request 3: the chain, in order
 };
+
+inline auto RequestIs(int32_t code) { return [code](const RecordedRequest& r) { return r.code == code; }; }
 
 class ScriptedHost {
 public:
@@ -38,20 +41,17 @@ public:
     void Reset();
     void OnRequest(int32_t code, Answer answer) { m_answers[code] = std::move(answer); }
 
-    const std::vector<RecordedRequest>& Requests() const { return m_requests; }
-    int Count(int32_t code) const { return static_cast<int>(Codes(code).size()); }
+    int Count(int32_t code) const { return int(std::count_if(m_requests.begin(), m_requests.end(), RequestIs(code))); }
     const RecordedRequest* Last(int32_t code) const
     {
-        for (auto it = m_requests.rbegin(); it != m_requests.rend(); ++it)
-            if (it->code == code) return &*it;
-        return nullptr;
+        auto it = std::find_if(m_requests.rbegin(), m_requests.rend(), RequestIs(code));
+        return it == m_requests.rend() ? nullptr : &*it;
     }
-    // The codes of the requests so far, in order (only `code`'s, if given).
-    std::vector<int32_t> Codes(int32_t code = -1) const
+    // The codes of the requests so far, in order.
+    std::vector<int32_t> Codes() const
     {
         std::vector<int32_t> codes;
-        for (const auto& r : m_requests)
-            if (code < 0 || r.code == code) codes.push_back(r.code);
+        for (const auto& r : m_requests) codes.push_back(r.code);
         return codes;
     }
     // The record the last request `code` carried, as the module sent it

@@ -6,17 +6,17 @@ namespace qvtest {
 
 const char kIniMissing[] = "<missing>";
 
-// A fresh folder `name` under this run's own temp folder (no trailing "\").
-static std::string NewFolder(const std::string& name)
+std::string MakeTempDir(const char* name)
 {
-    static const std::string run = [] {
+    static int counter = 0;
+    static const std::string run = [] {  // this run's own folder under the temp folder
         char temp[MAX_PATH] = "";
         GetTempPathA(sizeof temp, temp);
         std::string path = temp + ("qvtest-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount()));
         CreateDirectoryA(path.c_str(), nullptr);
         return path;
     }();
-    std::string path = run + "\\" + name;
+    std::string path = run + "\\" + name + "-" + std::to_string(++counter);
     CreateDirectoryA(path.c_str(), nullptr);
     return path;
 }
@@ -24,29 +24,25 @@ static std::string NewFolder(const std::string& name)
 const std::string& AppDataDir()
 {
     static const std::string dir = [] {
-        std::string d = NewFolder("appdata");
+        std::string d = MakeTempDir("appdata");
         SetEnvironmentVariableA("QVPRESCAN_APPDATA", d.c_str());
         return d + "\\";
     }();
     return dir;
 }
 
-std::string IniPath() { return AppDataDir() + "qvPreScan.ini"; }
-void DeleteIni() { DeleteFileA(IniPath().c_str()); }
+void DeleteIni() { DeleteFileA((AppDataDir() + "qvPreScan.ini").c_str()); }
 
 std::string ReadIni(const char* key)
 {
     char value[1024] = "";
-    GetPrivateProfileStringA("MainSec", key, kIniMissing, value, sizeof value, IniPath().c_str());
+    GetPrivateProfileStringA("MainSec", key, kIniMissing, value, sizeof value, (AppDataDir() + "qvPreScan.ini").c_str());
     return value;
 }
 
-void WriteIni(const char* key, const char* value) { WritePrivateProfileStringA("MainSec", key, value, IniPath().c_str()); }
-
-std::string MakeTempDir(const char* name)
+void WriteIni(const char* key, const char* value)
 {
-    static int counter = 0;
-    return NewFolder(name + ("-" + std::to_string(++counter)));
+    WritePrivateProfileStringA("MainSec", key, value, (AppDataDir() + "qvPreScan.ini").c_str());
 }
 
 } // namespace qvtest

@@ -9,8 +9,6 @@ namespace qvtest {
 
 // The folder the module keeps its settings file in for this run, ending "\".
 const std::string& AppDataDir();
-// The settings file path.
-std::string IniPath();
 // Deletes the settings file, so the next initialisation starts from defaults.
 void DeleteIni();
 // Reads or writes one key of section "MainSec" of the settings file; a key
