@@ -14,7 +14,10 @@ using DialogLifeTest = DialogFixture;
 TEST_F(DialogLifeTest, OpensReadyToScan)
 {
     g_session.nScanMethodIndex = 3;
-    OpenDialog();
+    // Nothing to capture yet, even before the host's loop runs the device check.
+    ASSERT_NE(qvShowPreScanDlg(m_hostWindow), nullptr);
+    EXPECT_FALSE(Enabled(IDC_CAPTURE));
+    PumpPending();
     EXPECT_TRUE(IsWindowVisible(Wnd()) && GetWindow(Wnd(), GW_OWNER) == m_hostWindow);
     // The posted device check asked the host once.
     EXPECT_EQ(Host().Codes(), std::vector<int32_t>({HOSTREQ_GET_DEVICE_STATUS}));
