@@ -7,6 +7,7 @@
 #   make run     the reference host with a real display
 #   make shots   screenshots into docs/
 #   make fuzz    the scene list reader under libFuzzer (FUZZ_SECONDS, default 300)
+#   make sdk     the kit for host developers: build/sdk/qvPreScan-sdk-VERSION(.zip)
 
 BUILD   := build
 WIN     := $(BUILD)/win
@@ -16,7 +17,7 @@ JOBS    ?= $(shell nproc)
 
 FUZZ_SECONDS ?= 300
 
-.PHONY: all deps build build-win build-native test test-native test-win demo run shots fuzz bench clean
+.PHONY: all deps build build-win build-native test test-native test-win demo run shots fuzz bench sdk clean
 
 all: build
 
@@ -59,6 +60,10 @@ shots: build-win
 # The benchmarks in full (several minutes); make test runs each once, small.
 bench: build-win
 	scripts/bench.sh
+
+# The host developer's kit: header, DLLs, import libraries, guide, sample.
+sdk: build-win
+	scripts/sdk.sh
 
 fuzz:
 	FUZZ_SECONDS=$(FUZZ_SECONDS) scripts/fuzz.sh
