@@ -26,7 +26,7 @@ version=$(sed -n 's/^#define QV_VERSION_TEXT "\(.*\)"$/\1/p' "$win/generated/qvV
 name="qvPreScan-sdk-$version"
 kit="$out/$name"
 rm -rf "$kit" "$kit.zip"
-mkdir -p "$kit"/{include,bin,lib,docs,samples}
+mkdir -p "$kit"/{include,bin,lib,docs,samples,res}
 
 cp "$root/include/qvPreScan.h" "$kit/include/"
 for f in qvPreScan.dll qvCaptureRC.dll qvpsf.exe; do
@@ -37,6 +37,10 @@ cp "$win/lib/libqvPreScan.dll.a" "$kit/lib/"
 llvm-dlltool -m i386:x86-64 -d "$root/src/qvPreScan.def" -l "$kit/lib/qvPreScan.lib"
 cp "$root/docs/HOST-GUIDE.md" "$kit/docs/"
 cp "$root/samples/minimal-host.c" "$kit/samples/"
+# The reference resource library's sources, for a host that ships its own
+# (a translation): its version resource is the host's to write.
+cp "$root/hostres/ResourceIds.h" "$root/hostres/qvCaptureRC.cpp" "$root/hostres/qvCaptureRC.def" "$kit/res/"
+grep -v 'VersionInfo.rc' "$root/hostres/qvCaptureRC.rc" > "$kit/res/qvCaptureRC.rc"
 
 sed 's/$/\r/' > "$kit/README.txt" <<EOF
 qvPreScan $version - the kit for developers of capture applications
@@ -56,6 +60,8 @@ lib\\qvPreScan.lib        import library for the Microsoft linker (and lld-link)
 lib\\qvPreScan.def        the module's exports
 docs\\HOST-GUIDE.md       how a host drives the module: start here
 samples\\minimal-host.c   a complete host in plain C
+res\\                     the resource library's sources, to build your own
+                         (a translation): docs\\HOST-GUIDE.md, section 6
 
 Build and run the sample from this folder with mingw-w64:
 

@@ -19,7 +19,7 @@ check "the kit is named after the build's version" '[ "$(basename "$zip")" = "qv
 mkdir "$tmp/user" && (cd "$tmp/user" && unzip -q "$zip")
 kit="$tmp/user/qvPreScan-sdk-$version"
 cd "$kit" || exit 1
-check "the kit holds what a host needs and nothing else" '[ "$(find . -type f | sort | tr "\n" " ")" = "./README.txt ./bin/qvCaptureRC.dll ./bin/qvPreScan.dll ./bin/qvpsf.exe ./docs/HOST-GUIDE.md ./include/qvPreScan.h ./lib/libqvPreScan.dll.a ./lib/qvPreScan.def ./lib/qvPreScan.lib ./samples/minimal-host.c " ]'
+check "the kit holds what a host needs and nothing else" '[ "$(find . -type f | sort | tr "\n" " ")" = "./README.txt ./bin/qvCaptureRC.dll ./bin/qvPreScan.dll ./bin/qvpsf.exe ./docs/HOST-GUIDE.md ./include/qvPreScan.h ./lib/libqvPreScan.dll.a ./lib/qvPreScan.def ./lib/qvPreScan.lib ./res/ResourceIds.h ./res/qvCaptureRC.cpp ./res/qvCaptureRC.def ./res/qvCaptureRC.rc ./samples/minimal-host.c " ]'
 # Both DLLs carry the build's version: as numbers, and as the texts of the file's properties.
 for dll in bin/qvPreScan.dll bin/qvCaptureRC.dll; do
     numbers=$(python3 -c 'import struct, sys; d = open(sys.argv[1], "rb").read(); i = d.index(b"\xbd\x04\xef\xfe")
@@ -75,6 +75,13 @@ for compiler in gcc clang; do
     check "the $compiler sample runs headless and exits 0" '[ $status -eq 0 ]'
     check "the $compiler sample says what it did" '[ "$(tr -d "\r" <<<"$said")" = "$expected" ]'
 done
+
+# A host's own resource library, built from the kit's sources as the guide says, serves the same sample.
+mkdir own && cp bin/qvPreScan.dll bin/minimal-host-gcc.exe own/
+x86_64-w64-mingw32-windres -Ires res/qvCaptureRC.rc -O coff -o "$tmp/rc.o" &&
+    x86_64-w64-mingw32-g++ -shared -static -s -o own/qvCaptureRC.dll res/qvCaptureRC.cpp "$tmp/rc.o" res/qvCaptureRC.def
+said=$(timeout 120 "$WINE64" own/minimal-host-gcc.exe --auto 2>/dev/null)
+check "a resource library built from res/ serves the module" '[ "$(tr -d "\r" <<<"$said")" = "$expected" ]'
 
 # The Windows list reader writes the same lines: CSV rows end in CR LF, not CR CR LF.
 psf="Z:${root//\//\\}\\tests\\fuzz\\corpus\\v3-two-scenes.psf"
