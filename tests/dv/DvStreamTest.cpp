@@ -21,7 +21,8 @@ constexpr size_t P = 144000, N = 120000;  // bytes of a 625/50 and a 525/60 fram
 std::vector<uint8_t> TapeStart(const char* tape, size_t bytes)
 {
     std::vector<uint8_t> t(bytes);
-    std::ifstream(std::string(QV_DV_TAPES) + "/" + tape, std::ios::binary).read(reinterpret_cast<char*>(t.data()), bytes);
+    std::ifstream f(std::string(QV_DV_TAPES) + "/" + tape, std::ios::binary);
+    f.read(reinterpret_cast<char*>(t.data()), std::streamsize(bytes));
     return t;
 }
 

@@ -72,12 +72,12 @@ TEST(RecordingFinder, FillsInWhatTheFirstAndLastFramesLack)
         finder.Add(Frame(f));
     ASSERT_EQ(finder.Recordings().size(), 2u);
     const dv::Recording& r = finder.Recordings()[1];
+    const dv::RecordedAt& t = r.first.recorded;
     char seen[96];
-    std::snprintf(seen, sizeof seen, "%d-%d in %08x %d-%d-%d %d:%d:%d out %08x picture %d", int(r.firstFrame),
-                  int(r.lastFrame), r.first.PackedTimeCode(), r.first.recorded.year, r.first.recorded.month,
-                  r.first.recorded.day, r.first.recorded.hour, r.first.recorded.minute, r.first.recorded.second,
+    std::snprintf(seen, sizeof seen, "%d-%d in %08x %04d%02d%02d %02d%02d%02d out %08x picture %d", int(r.firstFrame),
+                  int(r.lastFrame), r.first.PackedTimeCode(), t.year, t.month, t.day, t.hour, t.minute, t.second,
                   r.last.PackedTimeCode(), int(r.pictureFrame));
-    EXPECT_STREQ(seen, "1-5 in 000a0003 2004-5-1 12:0:0 out 000a0004 picture 4");
+    EXPECT_STREQ(seen, "1-5 in 000a0003 20040501 120000 out 000a0004 picture 4");
 }
 
 } // namespace
