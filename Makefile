@@ -6,7 +6,7 @@
 #   make build   build/bin/: qvPreScan.dll, qvCaptureRC.dll, qvrefhost.exe
 #   make run     the reference host with a real display
 #   make shots   screenshots into docs/
-#   make fuzz    the scene list reader under libFuzzer (FUZZ_SECONDS, default 300)
+#   make fuzz    the scene list and DV readers under libFuzzer (FUZZ_SECONDS, default 300)
 #   make sdk     the kit for host developers: build/sdk/qvPreScan-sdk-VERSION(.zip)
 
 BUILD   := build
@@ -58,7 +58,7 @@ shots: build-win
 	scripts/with-display.sh scripts/shots.sh
 
 # The benchmarks in full (several minutes); make test runs each once, small.
-bench: build-win
+bench: build-win build-native
 	scripts/bench.sh
 
 # The host developer's kit: header, DLLs, import libraries, guide, sample.
