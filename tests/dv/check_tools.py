@@ -16,6 +16,7 @@ import re
 import subprocess
 import sys
 import tempfile
+import time
 
 qvtape, tapes = sys.argv[1], sys.argv[2]
 failures = []
@@ -51,8 +52,13 @@ for tape, frame_bytes, height in (("pal", 144000, 72), ("ntsc", 120000, 60)):
         parts = sorted(glob.glob(f"{tapes}/{tape}-*.dv"))
         check(f"{tape}: one recording per part encoded", len(ours) == len(parts), f"{len(ours)} of {len(parts)}")
 
-        subprocess.run(["dvgrab", "-autosplit=2", "-noavc", "-t", "-timecode", "-f", "raw", "-stdin"], cwd=tmp,
-                       stdin=open(f"{tapes}/{tape}.dv", "rb"), capture_output=True)
+        # dvgrab drops the frames that arrive before its capture has started,
+        # so the tape is piped in once it is waiting for DV.
+        grab = subprocess.Popen(["dvgrab", "-autosplit=2", "-noavc", "-t", "-timecode", "-f", "raw", "-stdin"],
+                                cwd=tmp, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        time.sleep(1)
+        with open(f"{tapes}/{tape}.dv", "rb") as f:
+            grab.communicate(f.read())
         theirs = []
         for name in sorted(os.listdir(tmp)):
             m = re.match(r"dvgrab-(\d+)\.(\d+)\.(\d+)_(\d+)-(\d+)-(\d+)--(\S+)\.dv$", name)
