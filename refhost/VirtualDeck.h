@@ -1,9 +1,10 @@
-// The reference host's virtual DV deck: it plays the synthetic tape, feeds
-// the module's scene feed while scanning, captures marked scenes into AVI
-// files, moves the tape, and answers every request the module sends.
+// The reference host's virtual DV deck: it plays a tape (the synthetic one or
+// a DV file), feeds the module's scene feed while scanning, captures marked
+// scenes into files, moves the tape, and answers every request the module
+// sends.
 #pragma once
 
-#include "SyntheticTape.h"
+#include "Tape.h"
 #include "qvPreScan.h"
 
 #include <windows.h>
@@ -14,7 +15,7 @@
 
 class VirtualDeck {
 public:
-    VirtualDeck(HWND hHostWindow, double speedFactor);
+    VirtualDeck(HWND hHostWindow, double speedFactor, Tape& tape);
     ~VirtualDeck();
 
     // The HostRequestProc the module is given (one deck per process).
@@ -47,15 +48,18 @@ private:
     void FeedUpTo(uint32_t nFrame);
     void FeedBegin(int i);
     void FeedEnd(int i);
+    void SetPosition(uint32_t nFrame);
     bool PumpWhile(uint32_t ms);
     std::string CaptureFileName(int nTake) const;
-    int SceneAt(uint32_t frame) const;
+    uint32_t Step(double speed) const;
+    void SpanFrames(const SceneSpan& span, uint32_t& first, uint32_t& last) const;
 
     static VirtualDeck* s_instance;
     HWND m_hHost;
     double m_speed;
-    SyntheticTape m_tape;
-    uint32_t m_position = 0;
+    Tape& m_tape;
+    std::atomic<uint32_t> m_position{0};
+    std::atomic<uint32_t> m_timeCode{0};  // what the head last read: the deck's position display
     int m_nextScene = 0;     // next scene whose begin is to be reported
     bool m_sceneOpen = false;
     bool m_scanning = false;
