@@ -7,7 +7,7 @@
 #   make build   build/bin/: qvPreScan.dll, qvCaptureRC.dll, qvrefhost.exe
 #   make run     the reference host with a real display (TAPE=FILE.dv plays that file)
 #   make shots   screenshots into docs/
-#   make fuzz    the scene list reader under libFuzzer (FUZZ_SECONDS, default 300)
+#   make fuzz    the scene list and DV readers under libFuzzer (FUZZ_SECONDS, default 300)
 
 BUILD   := build
 WIN     := $(BUILD)/win

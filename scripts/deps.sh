@@ -5,6 +5,7 @@ pkgs=(
   make cmake ninja-build g++ googletest
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev
   wine wine64 fonts-wine xvfb xauth imagemagick
+  ffmpeg dvgrab
 )
 missing=()
 for p in "${pkgs[@]}"; do

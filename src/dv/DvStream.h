@@ -83,15 +83,19 @@ public:
     bool SeekTo(uint64_t offset);
 
 private:
+    void Close();
+    // Bytes from the read position on, at least `want` unless the stream ends first.
     size_t Fill(size_t want);
+    const uint8_t* Here() const { return (m_memory ? m_memory : m_buffer.data()) + m_start; }
     bool FindHeader();
+    bool Refuse(const char* name, const char* why);
 
     std::FILE* m_file = nullptr;
     const uint8_t* m_memory = nullptr;
-    size_t m_memorySize = 0;
     std::vector<uint8_t> m_buffer;  // bytes read ahead from the file
-    size_t m_start = 0, m_end = 0;  // the unread part of m_buffer
-    uint64_t m_offset = 0;          // stream offset of m_buffer[m_start]
+    size_t m_start = 0, m_end = 0;  // the unread part of m_buffer, or of the memory
+    uint64_t m_offset = 0;          // stream offset of m_buffer[0] (0 for memory)
+    bool m_atEnd = false;           // the file has no more bytes to read
     System m_system = System::Unknown;
     std::string m_error;
 };
@@ -123,10 +127,14 @@ public:
     const std::vector<Recording>& Recordings() const { return m_recordings; }
 
 private:
+    bool Breaks(const FrameInfo& info) const;
+
     std::vector<Recording> m_recordings;
     uint64_t m_frames = 0;
     FrameInfo m_lastTimed;   // the last frame that had a time code
     FrameInfo m_lastDated;   // the last frame that had a date and time
+    uint64_t m_lastTimedFrame = 0;
+    bool m_pictureFound = false;  // the current recording has an undamaged frame
 };
 
 // A small colour picture of a frame from the DC coefficient of each 8x8

@@ -42,6 +42,14 @@ bool ReadUnderEveryStandard(const uint8_t* data, size_t size, qv::ReadResult& re
     return true;
 }
 
+std::string ReplayVerdict(const uint8_t* data, size_t size)
+{
+    const char* status[] = {"complete", "no-header", "truncated", "no-memory", "stopped"};  // ReadStatus order
+    qv::ReadResult r;
+    return ReadUnderEveryStandard(data, size, r) ? status[int(r.status)] + (" " + std::to_string(r.nEntries))
+                                                 : "not replayed";
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     qv::ReadResult result;

@@ -66,7 +66,7 @@ def main():
             f.write(data)
     with open(os.path.join(HERE, "expected.txt"), "w") as f:
         for name in sorted(files):
-            f.write("%-24s %-10s %d\n" % ((name,) + expected[name]))
+            f.write("%s %s %d\n" % ((name,) + expected[name]))
 
 
 if __name__ == "__main__":

@@ -1,0 +1,51 @@
+// Inside the DV reader: where each DIF block of a frame belongs, told by the
+// three ID bytes every block starts with.
+//
+//   byte 0: section type in the top 3 bits (header, subcode, VAUX, audio,
+//           video); the rest is free for the recorder
+//   byte 1: DIF sequence number in the top 4 bits; bit 3 the channel (0 for
+//           the 25 Mbit/s formats read here)
+//   byte 2: the block's number within its section of the sequence
+#pragma once
+
+#include "dv/DvStream.h"
+
+namespace dv::layout {
+
+enum Section : uint8_t { HEADER = 0, SUBCODE = 1, VAUX = 2, AUDIO = 3, VIDEO = 4 };
+
+// What block `index` (0-149) of every DIF sequence is.
+struct BlockPlace {
+    uint8_t section;
+    uint8_t number;
+};
+const BlockPlace& PlaceOf(int index);
+
+// Block `index` of sequence `sequence` carries the ID that belongs there.
+inline bool InPlace(const uint8_t* block, int sequence, int index)
+{
+    const BlockPlace& place = PlaceOf(index);
+    return (block[0] >> 5) == place.section && (block[1] & 0xF8) == (sequence << 4) && block[2] == place.number;
+}
+
+// The header block's DSF bit: set for 625/50, clear for 525/60.
+inline System SystemOf(const uint8_t* header)
+{
+    return (header[3] & 0x80) ? System::Pal625 : System::Ntsc525;
+}
+
+// Bytes a frame start is told by: the header block and the three blocks
+// after it.  A stray byte pattern that looks like a header block rarely has
+// the subcode and VAUX blocks of sequence 0 behind it.
+constexpr size_t START_BYTES = 4 * BLOCK_BYTES;
+bool IsFrameStart(const uint8_t* p, size_t available);
+
+// Whole blocks from the start of `frame` that sit where they belong.
+size_t BlocksInPlace(const uint8_t* frame, size_t size, System system);
+
+inline int Sequences(System system)
+{
+    return static_cast<int>(FrameBytes(system) / (BLOCK_BYTES * BLOCKS_PER_SEQUENCE));
+}
+
+} // namespace dv::layout
