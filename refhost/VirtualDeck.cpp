@@ -9,6 +9,8 @@ VirtualDeck* VirtualDeck::s_instance;
 namespace {
 
 const UINT kTickMs = 40;
+const UINT kTimerId = 77;
+const UINT WM_DECK_TAPE_END = WM_APP + 7;
 
 SceneInfo MakeInfo(const TapeScene& s, bool end)
 {
@@ -25,17 +27,31 @@ SceneInfo MakeInfo(const TapeScene& s, bool end)
 
 } // namespace
 
-VirtualDeck::VirtualDeck(HWND hHostWindow, double speedFactor, Tape& tape)
-    : m_hHost(hHostWindow), m_speed(speedFactor), m_tape(tape)
+VirtualDeck::VirtualDeck(double speedFactor, Tape& tape) : m_speed(speedFactor), m_tape(tape)
 {
     s_instance = this;
     SetPosition(0);
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = DeckProc;
+    wc.hInstance = GetModuleHandleA(nullptr);
+    wc.lpszClassName = "qvVirtualDeck";
+    RegisterClassA(&wc);
+    m_hWnd = CreateWindowA(wc.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, wc.hInstance, nullptr);
+}
+
+LRESULT CALLBACK VirtualDeck::DeckProc(HWND h, UINT msg, WPARAM wp, LPARAM lp)
+{
+    if (msg == WM_TIMER && wp == kTimerId && s_instance) s_instance->OnTimer();
+    else if (msg == WM_DECK_TAPE_END && s_instance) s_instance->OnTapeEnd();
+    else return DefWindowProcA(h, msg, wp, lp);
+    return 0;
 }
 
 VirtualDeck::~VirtualDeck()
 {
     m_quickStop = true;
     if (m_quickThread.joinable()) m_quickThread.join();
+    DestroyWindow(m_hWnd);
     s_instance = nullptr;
 }
 
@@ -158,11 +174,11 @@ int32_t VirtualDeck::StartScan(const ScanRequest& req)
                 if (m_scenesFed != fed) Sleep(2);
                 if (at >= end) break;
             }
-            PostMessageA(m_hHost, WM_DECK_TAPE_END, 0, 0);
+            PostMessageA(m_hWnd, WM_DECK_TAPE_END, 0, 0);
         });
         return 1;
     }
-    SetTimer(m_hHost, kTimerId, kTickMs, nullptr);
+    SetTimer(m_hWnd, kTimerId, kTickMs, nullptr);
     return 1;
 }
 
@@ -177,7 +193,7 @@ void VirtualDeck::OnTimer()
 void VirtualDeck::OnTapeEnd()
 {
     // The end of the tape ends the scan, as the host's deck reports it.
-    KillTimer(m_hHost, kTimerId);
+    KillTimer(m_hWnd, kTimerId);
     if (m_scanning) qvForceToStopPreScan(0);
     m_scanning = false;
 }
@@ -186,7 +202,7 @@ void VirtualDeck::StopPlaying()
 {
     m_scanning = false;
     m_quickStop = true;
-    KillTimer(m_hHost, kTimerId);
+    KillTimer(m_hWnd, kTimerId);
 }
 
 bool VirtualDeck::PumpWhile(uint32_t ms)

@@ -15,18 +15,12 @@
 
 class VirtualDeck {
 public:
-    VirtualDeck(HWND hHostWindow, double speedFactor, Tape& tape);
+    VirtualDeck(double speedFactor, Tape& tape);
     ~VirtualDeck();
 
     // The HostRequestProc the module is given (one deck per process).
     static int32_t RequestProc(int32_t nRequest, intptr_t lParam);
-    static VirtualDeck* Instance() { return s_instance; }
 
-    // The host window's timer and private messages come here.
-    void OnTimer();
-    void OnTapeEnd();
-    static const UINT kTimerId = 77;
-    static const UINT WM_DECK_TAPE_END = WM_APP + 7;
 
     // Device faults the user can switch on (flags 0..7 of the device status).
     void SetFault(int nFlag, bool bOn) { m_faults[nFlag] = bOn; }
@@ -45,6 +39,11 @@ private:
     int32_t PlaySpan(const SceneSpan& span);
     int32_t MoveTo(uint32_t nFrame);
     void StopPlaying();
+    // The deck's play timer and the quick scan's end arrive at its own
+    // message-only window, on the thread that made the deck.
+    static LRESULT CALLBACK DeckProc(HWND h, UINT msg, WPARAM wp, LPARAM lp);
+    void OnTimer();
+    void OnTapeEnd();
     void FeedUpTo(uint32_t nFrame);
     void FeedBegin(int i);
     void FeedEnd(int i);
@@ -55,7 +54,7 @@ private:
     void SpanFrames(const SceneSpan& span, uint32_t& first, uint32_t& last) const;
 
     static VirtualDeck* s_instance;
-    HWND m_hHost;
+    HWND m_hWnd;
     double m_speed;
     Tape& m_tape;
     std::atomic<uint32_t> m_position{0};

@@ -37,14 +37,7 @@ struct Options {
 
 LRESULT CALLBACK HostWndProc(HWND h, UINT msg, WPARAM wp, LPARAM lp)
 {
-    VirtualDeck* deck = VirtualDeck::Instance();
     switch (msg) {
-    case WM_TIMER:
-        if (deck && wp == VirtualDeck::kTimerId) deck->OnTimer();
-        return 0;
-    case VirtualDeck::WM_DECK_TAPE_END:
-        if (deck) deck->OnTapeEnd();
-        return 0;
     case WM_PAINT: {
         PAINTSTRUCT ps;
         HDC dc = BeginPaint(h, &ps);
@@ -245,7 +238,7 @@ int main(int argc, char** argv)
                     tape->LengthInFrames(), tape->Scenes().size(), tape->FramesPerSecond());
     }
     HWND hostWindow = CreateHostWindow();
-    VirtualDeck deck(hostWindow, o.speed, *tape);
+    VirtualDeck deck(o.speed, *tape);
     if (o.fault >= 0 && o.fault < 8) deck.SetFault(o.fault, true);
 
     PreScanInitInfo info = MakeInitInfo(*tape);

@@ -57,7 +57,7 @@ bool ShowNext()
         dv::Picture picture;
         if (!g_play.dv->Next(info, &bytes)) return false;
         if (!dv::DecodePicture(bytes.data(), bytes.size(), picture)) return true;  // a damaged frame is skipped
-        BITMAPINFOHEADER header = {sizeof header, picture.width, picture.height, 1, 24, BI_RGB};
+        BITMAPINFOHEADER header = {sizeof header, picture.width, picture.height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
         Draw(&header, picture.bits.data());
         return true;
     }

@@ -158,7 +158,7 @@ TEST(HostEndToEnd, DeckScansCapturesAndPreviewsDvTapes)
         WriteIni("PSCaptureFileName", (captures + "\\Tape.avi").c_str());
         WriteIni("QuickScanSpeed", std::to_string(c.quickSpeed).c_str());
         HWND owner = CreateWindowA("STATIC", "host", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200, nullptr, nullptr, nullptr, nullptr);
-        VirtualDeck deck(owner, 600, tape);
+        VirtualDeck deck(600, tape);
         PreScanInitInfo info = MakeInitInfo(tape.CaptureExtension(), tape.TvStandard(), "");
         info.pfnHostRequest = &VirtualDeck::RequestProc;
         ASSERT_EQ(qvPreScanInit(&info), 1);
@@ -197,6 +197,7 @@ TEST(HostEndToEnd, DeckScansCapturesAndPreviewsDvTapes)
         // The captured third scene previews over its thumbnail to its end.
         ui::ClickCell(list, 2, 2);
         SendMessageA(GetDlgItem(dlg, IDC_PREVIEW), BM_CLICK, 0, 0);
+        PumpPending();
         HWND video = GetDlgItem(dlg, IDC_PREVIEW_VIDEO);
         EXPECT_TRUE(IsWindowVisible(video));
         EXPECT_TRUE(PumpUntil([&] { return !IsWindowVisible(video); }, 10000));
