@@ -58,7 +58,7 @@ shots: build-win
 	scripts/with-display.sh scripts/shots.sh
 
 # The benchmarks in full (several minutes); make test runs each once, small.
-bench: build-win
+bench: build-win build-native
 	scripts/bench.sh
 
 fuzz:

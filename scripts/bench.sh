@@ -22,6 +22,24 @@ for exe in bench_feed bench_psf bench_paint; do
     fi
 done
 
+# The DV reader, natively, over a 10-minute 625/50 tape: ten seconds that
+# ffmpeg encodes once, joined sixty times (a recording every ten seconds).
+# The smoke run reads the short test tape instead.
+tapes="$root/build/native/dv-tapes"
+"$root/tests/dv/make-tapes.sh" "$tapes"
+tape="$tapes/pal.dv"
+if [ "$mode" != "--smoke" ]; then
+    tape="$root/build/bench-dv/ten-minutes.dv"
+    if [ ! -s "$tape" ]; then
+        mkdir -p "$(dirname "$tape")"
+        ffmpeg -v error -y -f lavfi -i testsrc2=size=720x576:rate=25 -f lavfi -i sine=sample_rate=48000 -t 10 \
+            -target pal-dv -timecode 00:00:00:00 -metadata creation_time=2004-05-01T10:00:00 "$tape.part"
+        for _ in $(seq 60); do cat "$tape.part"; done > "$tape" && rm "$tape.part"
+    fi
+fi
+echo "== bench_dv ${args[*]:-}" >&2
+"$root/build/native/bench_dv" "$tape" "${args[@]}" | grep -E '^(ROW|NOTE)' >> "$raw" || { echo "bench_dv failed" >&2; failed=1; }
+
 table() {
     echo "| Figure | Unit | Min | Median | Max | Baseline | Baseline median | Ratio | Target |"
     echo "|---|---|---:|---:|---:|---|---:|---:|---|"
@@ -60,6 +78,9 @@ if [ "$mode" != "--smoke" ]; then
   row costs about 17 ms a row under Wine.
 - **Opening a file.** Opening a list file into the dialog builds one list row per scene. The reader
   alone, the module's file code, reads faster than `CopyFileA` copies the same file.
+- **DV reader.** Frames found in a raw DV file and described (time code, recording date and time, record
+  start mark, damage) and the recordings among them, against reading the same bytes with nothing done.
+  Both read the file from the page cache, so the baseline is what memory and the C library give.
 - **Memory per scene.** Private bytes per scene compare the process before the dialog opened with the
   process after the scan. Heap space freed by earlier runs is reused, so the figure can come out below
   the bytes stored.

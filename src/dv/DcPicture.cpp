@@ -88,6 +88,8 @@ constexpr int Fix(double k)
 {
     return static_cast<int>(k * 32768 + 0.5);
 }
+constexpr int Y_GAIN = Fix(1.164), CB_TO_B = Fix(2.017), CB_TO_G = Fix(0.392), CR_TO_G = Fix(0.813),
+              CR_TO_R = Fix(1.596);
 uint8_t Clamp(int v)
 {
     return static_cast<uint8_t>(std::clamp((v + 32768) >> 16, 0, 255));
@@ -129,10 +131,10 @@ bool DecodePicture(const uint8_t* frame, size_t size, Picture& out)
         uint8_t* line = out.bits.data() + out.Stride() * (height - 1 - row);  // bottom-up
         for (int col = 0; col < WIDTH; ++col) {
             int at = row * WIDTH + col;
-            int luma = Fix(1.164) * (y[at] - 32), r = cr[at] - 256, b = cb[at] - 256;
-            line[col * 3 + 0] = Clamp(luma + Fix(2.017) * b);
-            line[col * 3 + 1] = Clamp(luma - Fix(0.392) * b - Fix(0.813) * r);
-            line[col * 3 + 2] = Clamp(luma + Fix(1.596) * r);
+            int luma = Y_GAIN * (y[at] - 32), r = cr[at] - 256, b = cb[at] - 256;
+            line[col * 3 + 0] = Clamp(luma + CB_TO_B * b);
+            line[col * 3 + 1] = Clamp(luma - CB_TO_G * b - CR_TO_G * r);
+            line[col * 3 + 2] = Clamp(luma + CR_TO_R * r);
         }
     }
     return true;

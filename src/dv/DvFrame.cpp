@@ -3,7 +3,6 @@
 #include "dv/DvLayout.h"
 
 #include <algorithm>
-#include <array>
 
 namespace dv {
 
@@ -27,25 +26,6 @@ uint32_t FrameInfo::PackedTimeCode() const
 }
 
 namespace layout {
-
-// Every DIF sequence is laid out alike: the header block, two subcode
-// blocks, three VAUX blocks, then nine rows of one audio block followed by
-// fifteen video blocks.
-const BlockPlace& PlaceOf(int index)
-{
-    static const std::array<BlockPlace, BLOCKS_PER_SEQUENCE> places = [] {
-        std::array<BlockPlace, BLOCKS_PER_SEQUENCE> t{};
-        t[0] = {HEADER, 0};
-        t[1] = {SUBCODE, 0}, t[2] = {SUBCODE, 1};
-        t[3] = {VAUX, 0}, t[4] = {VAUX, 1}, t[5] = {VAUX, 2};
-        for (int i = 6; i < BLOCKS_PER_SEQUENCE; ++i) {
-            int row = (i - 6) / 16, col = (i - 6) % 16;
-            t[i] = col == 0 ? BlockPlace{AUDIO, uint8_t(row)} : BlockPlace{VIDEO, uint8_t(row * 15 + col - 1)};
-        }
-        return t;
-    }();
-    return places[index];
-}
 
 bool IsFrameStart(const uint8_t* p, size_t available)
 {
@@ -140,37 +120,50 @@ struct PackReader {
 
 } // namespace
 
-FrameInfo ParseFrame(const uint8_t* frame, size_t size)
+namespace layout {
+
+FrameInfo Describe(const uint8_t* frame, size_t size, size_t blocksInPlace)
 {
     FrameInfo info;
     info.size = static_cast<uint32_t>(size);
-    info.damaged = true;
-    if (!IsFrameStart(frame, size)) return info;
     info.system = SystemOf(frame);
-    size_t inPlace = BlocksInPlace(frame, size, info.system);
-    info.damaged = size != FrameBytes(info.system) || inPlace * BLOCK_BYTES != size;
+    info.damaged = size != FrameBytes(info.system) || blocksInPlace * BLOCK_BYTES != size;
 
     // The subcode blocks hold six sync blocks each (two ID bytes, a
     // reserved byte, a pack); the VAUX blocks fifteen packs; each audio
     // block one pack before its samples.  Blocks out of place are skipped.
+    static constexpr int PACK_BLOCKS[] = {1, 2, 3, 4, 5, 6, 22, 38, 54, 70, 86, 102, 118, 134};  // all but video
     PackReader packs{info};
-    size_t blocks = std::min(size, FrameBytes(info.system)) / BLOCK_BYTES;
-    for (size_t i = 0; i < blocks; ++i) {
-        const uint8_t* block = frame + i * BLOCK_BYTES;
-        int index = int(i % BLOCKS_PER_SEQUENCE);
-        if (PlaceOf(index).section == VIDEO || !InPlace(block, int(i / BLOCKS_PER_SEQUENCE), index)) continue;
-        switch (PlaceOf(index).section) {
-        case SUBCODE:
-            for (int j = 0; j < 6; ++j) packs.Read(block + 3 + 8 * j + 3);
-            break;
-        case VAUX:
-            for (int j = 0; j < 15; ++j) packs.Read(block + 3 + 5 * j);
-            break;
-        case AUDIO: packs.Read(block + 3); break;
-        default: break;
+    for (int seq = 0; seq < Sequences(info.system); ++seq) {
+        for (int index : PACK_BLOCKS) {
+            size_t at = (size_t(seq) * BLOCKS_PER_SEQUENCE + index) * BLOCK_BYTES;
+            const uint8_t* block = frame + at;
+            if (at + BLOCK_BYTES > size || !InPlace(block, seq, index)) continue;
+            switch (PlaceOf(index).section) {
+            case SUBCODE:
+                for (int j = 0; j < 6; ++j) packs.Read(block + 3 + 8 * j + 3);
+                break;
+            case VAUX:
+                for (int j = 0; j < 15; ++j) packs.Read(block + 3 + 5 * j);
+                break;
+            default: packs.Read(block + 3); break;
+            }
         }
     }
     return info;
+}
+
+} // namespace layout
+
+FrameInfo ParseFrame(const uint8_t* frame, size_t size)
+{
+    if (!IsFrameStart(frame, size)) {
+        FrameInfo info;
+        info.size = static_cast<uint32_t>(size);
+        info.damaged = true;
+        return info;
+    }
+    return Describe(frame, size, BlocksInPlace(frame, size, SystemOf(frame)));
 }
 
 } // namespace dv

@@ -10,16 +10,34 @@
 
 #include "dv/DvStream.h"
 
+#include <array>
+
 namespace dv::layout {
 
 enum Section : uint8_t { HEADER = 0, SUBCODE = 1, VAUX = 2, AUDIO = 3, VIDEO = 4 };
 
-// What block `index` (0-149) of every DIF sequence is.
+// What block `index` (0-149) of every DIF sequence is.  Every sequence is
+// laid out alike: the header block, two subcode blocks, three VAUX blocks,
+// then nine rows of one audio block followed by fifteen video blocks.
 struct BlockPlace {
     uint8_t section;
     uint8_t number;
 };
-const BlockPlace& PlaceOf(int index);
+inline constexpr std::array<BlockPlace, BLOCKS_PER_SEQUENCE> PLACES = [] {
+    std::array<BlockPlace, BLOCKS_PER_SEQUENCE> t{};
+    t[0] = {HEADER, 0};
+    t[1] = {SUBCODE, 0}, t[2] = {SUBCODE, 1};
+    t[3] = {VAUX, 0}, t[4] = {VAUX, 1}, t[5] = {VAUX, 2};
+    for (int i = 6; i < BLOCKS_PER_SEQUENCE; ++i) {
+        int row = (i - 6) / 16, col = (i - 6) % 16;
+        t[i] = col == 0 ? BlockPlace{AUDIO, uint8_t(row)} : BlockPlace{VIDEO, uint8_t(row * 15 + col - 1)};
+    }
+    return t;
+}();
+inline const BlockPlace& PlaceOf(int index)
+{
+    return PLACES[index];
+}
 
 // Block `index` of sequence `sequence` carries the ID that belongs there.
 inline bool InPlace(const uint8_t* block, int sequence, int index)
@@ -42,6 +60,9 @@ bool IsFrameStart(const uint8_t* p, size_t available);
 
 // Whole blocks from the start of `frame` that sit where they belong.
 size_t BlocksInPlace(const uint8_t* frame, size_t size, System system);
+// What a frame that starts with a header block tells, given how many of its
+// blocks sit where they belong.
+FrameInfo Describe(const uint8_t* frame, size_t size, size_t blocksInPlace);
 
 inline int Sequences(System system)
 {

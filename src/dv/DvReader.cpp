@@ -15,7 +15,7 @@ using namespace layout;
 // (a tape's first frame may follow a little noise, never megabytes).
 constexpr size_t LOOK_AHEAD = 1 << 20;
 // The file is read in pieces of this size.
-constexpr size_t CHUNK = 1 << 20;
+constexpr size_t CHUNK = 4 << 20;
 
 bool Seek64(std::FILE* file, uint64_t offset)
 {
@@ -144,7 +144,7 @@ bool Reader::Next(FrameInfo& info, std::vector<uint8_t>* bytes)
             }
         }
     }
-    info = ParseFrame(p, size);
+    info = Describe(p, size, std::min(inPlace, size) / BLOCK_BYTES);
     info.offset = m_offset + m_start;
     if (bytes) bytes->assign(p, p + size);
     m_start += size;
