@@ -92,43 +92,33 @@ TEST(HostEndToEnd, ExportsScanFeedStopAndClose)
 // captured scene previews until the player says it has ended.
 namespace {
 
-struct TapeRecording { uint32_t firstFrame, in, out; const char* date; };
-struct DvTapeCase {
-    const char* tape;
-    int quickSpeed;  // 0: a normal scan
-    int tvStandard;
-    std::vector<TapeRecording> recordings;
-};
+struct TapeRecording { uint32_t in, out; const char* date; };
+struct DvTapeCase { const char* tape; int quickSpeed, tvStandard; std::vector<TapeRecording> recordings; };
 
 const std::vector<TapeRecording> kPal = {
-    {0, Tc(0, 10, 0, 0), Tc(0, 10, 1, 24), "2004/ 5/ 1\n 10:00:00"},
-    {50, Tc(0, 10, 2, 0), Tc(0, 10, 2, 24), "2004/ 5/ 2\n 09:15:30"},
-    {75, Tc(0, 30, 0, 0), Tc(0, 30, 1, 11), "2004/ 6/12\n 18:45:00"},
-    {112, Tc(0, 0, 10, 0), Tc(0, 0, 10, 24), "2005/ 1/ 3\n 08:00:59"},
+    {Tc(0, 10, 0, 0), Tc(0, 10, 1, 24), "2004/ 5/ 1\n 10:00:00"},
+    {Tc(0, 10, 2, 0), Tc(0, 10, 2, 24), "2004/ 5/ 2\n 09:15:30"},
+    {Tc(0, 30, 0, 0), Tc(0, 30, 1, 11), "2004/ 6/12\n 18:45:00"},
+    {Tc(0, 0, 10, 0), Tc(0, 0, 10, 24), "2005/ 1/ 3\n 08:00:59"},
 };
 // Drop-frame: 00:10:00 keeps frames 0 and 1, 01:01:00 starts at frame 2.
 const std::vector<TapeRecording> kNtsc = {
-    {0, Tc(0, 9, 59, 20), Tc(0, 10, 1, 3), "2006/ 7/ 4\n 12:00:00"},
-    {44, Tc(1, 0, 59, 25), Tc(1, 1, 0, 25), "2006/ 7/ 5\n 23:59:59"},
-    {73, Tc(2, 0, 0, 0), Tc(2, 0, 0, 28), "2006/ 7/ 9\n 07:30:00"},
+    {Tc(0, 9, 59, 20), Tc(0, 10, 1, 3), "2006/ 7/ 4\n 12:00:00"},
+    {Tc(1, 0, 59, 25), Tc(1, 1, 0, 25), "2006/ 7/ 5\n 23:59:59"},
+    {Tc(2, 0, 0, 0), Tc(2, 0, 0, 28), "2006/ 7/ 9\n 07:30:00"},
 };
 
-std::string TimesText(const TapeRecording& r)
+std::string TcText(uint32_t t)
 {
-    char text[64];
-    std::snprintf(text, sizeof text, "In: %02u:%02u:%02u:%02u\nOut: %02u:%02u:%02u:%02u", r.in >> 24, (r.in >> 16) & 0xFF,
-                  (r.in >> 8) & 0xFF, r.in & 0xFF, r.out >> 24, (r.out >> 16) & 0xFF, (r.out >> 8) & 0xFF, r.out & 0xFF);
+    char text[16];
+    std::snprintf(text, sizeof text, "%02u:%02u:%02u:%02u", t >> 24, (t >> 16) & 0xFF, (t >> 8) & 0xFF, t & 0xFF);
     return text;
 }
 
 std::string CellText(HWND list, int row, int column)
 {
     char text[512] = "";
-    LVITEMA item = {};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = sizeof text;
-    SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    ListView_GetItemText(list, row, column, text, sizeof text);
     return text;
 }
 
@@ -148,34 +138,29 @@ TEST(HostEndToEnd, DeckScansCapturesAndPreviewsDvTapes)
     const DvTapeCase cases[] = {{"pal", 0, 2, kPal}, {"pal", 4, 2, kPal}, {"ntsc", 0, 0, kNtsc}};
     AppDataDir();
     for (const DvTapeCase& c : cases) {
-        std::string name = std::string(c.tape) + (c.quickSpeed ? "-quick" : "");
+        std::string name = std::string(c.tape) + (c.quickSpeed ? "-quick" : ""), captures = dir + ("\\captures-" + name);
         SCOPED_TRACE(name);
         DvTape tape;
         ASSERT_TRUE(tape.Open(std::string(dir) + "\\" + c.tape + ".dv")) << tape.Error();
-        std::string captures = std::string(dir) + "\\captures-" + name;
+        EXPECT_EQ(tape.TvStandard(), c.tvStandard);
         CreateDirectoryA(captures.c_str(), nullptr);
-        for (const char* file : {"\\Tape 001.dv", "\\Tape 002.dv"}) DeleteFileA((captures + file).c_str());
         WriteIni("PSCaptureFileName", (captures + "\\Tape.avi").c_str());
         WriteIni("QuickScanSpeed", std::to_string(c.quickSpeed).c_str());
-        HWND owner = CreateWindowA("STATIC", "host", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200, nullptr, nullptr, nullptr, nullptr);
         VirtualDeck deck(600, tape);
         PreScanInitInfo info = MakeInitInfo(tape.CaptureExtension(), tape.TvStandard(), "");
         info.pfnHostRequest = &VirtualDeck::RequestProc;
         ASSERT_EQ(qvPreScanInit(&info), 1);
-        HWND dlg = qvShowPreScanDlg(owner);
-        ASSERT_NE(dlg, nullptr);
-        HWND list = GetDlgItem(dlg, IDC_SCENE_LIST);
+        HWND dlg = qvShowPreScanDlg(nullptr), list = GetDlgItem(dlg, IDC_SCENE_LIST);
         PumpFor(300);  // the device check
         SendMessageA(GetDlgItem(dlg, IDC_START_SCAN), BM_CLICK, 0, 0);
         EXPECT_TRUE(PumpUntil([&] { return !deck.Scanning(); }, 20000));
         PumpFor(200);
 
         ASSERT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), static_cast<LRESULT>(c.recordings.size()));
-        for (size_t i = 0; i < c.recordings.size(); ++i) {
-            const TapeRecording& r = c.recordings[i];
-            SCOPED_TRACE(i);
-            int row = static_cast<int>(i);
-            EXPECT_EQ(CellText(list, row, 2).rfind(TimesText(r), 0), 0u) << CellText(list, row, 2);
+        for (int row = 0; row < static_cast<int>(c.recordings.size()); ++row) {
+            const TapeRecording& r = c.recordings[static_cast<size_t>(row)];
+            SCOPED_TRACE(row);
+            EXPECT_EQ(CellText(list, row, 2).rfind("In: " + TcText(r.in) + "\nOut: " + TcText(r.out), 0), 0u);
             EXPECT_EQ(CellText(list, row, 3), r.date);
             // Go to the scene's start: the module asks for its device position.
             ui::ClickCell(list, row, 2);
@@ -186,27 +171,21 @@ TEST(HostEndToEnd, DeckScansCapturesAndPreviewsDvTapes)
             EXPECT_EQ(DeckPosition(), r.out);
         }
 
-        // The first and third scenes marked by their boxes and captured.
-        ui::ClickCell(list, 0, 0);
-        ui::ClickCell(list, 2, 0);
-        SendMessageA(GetDlgItem(dlg, IDC_CAPTURE), BM_CLICK, 0, 0);
-        PumpFor(200);
+        // The first and third scenes marked by their boxes and captured; the
+        // third previews over its thumbnail until the player says it ended.
+        for (int row : {0, 2}) ui::ClickCell(list, row, 0);
+        ui::Press(dlg, IDC_CAPTURE);
         EXPECT_EQ(deck.FilesCaptured(), 2);
         EXPECT_NE(CellText(list, 2, 5).find(captures + "\\Tape 002.dv"), std::string::npos) << CellText(list, 2, 5);
-
-        // The captured third scene previews over its thumbnail to its end.
         ui::ClickCell(list, 2, 2);
-        SendMessageA(GetDlgItem(dlg, IDC_PREVIEW), BM_CLICK, 0, 0);
-        PumpPending();
-        HWND video = GetDlgItem(dlg, IDC_PREVIEW_VIDEO);
-        EXPECT_TRUE(IsWindowVisible(video));
-        EXPECT_TRUE(PumpUntil([&] { return !IsWindowVisible(video); }, 10000));
+        ui::Press(dlg, IDC_PREVIEW);
+        EXPECT_TRUE(IsWindowVisible(GetDlgItem(dlg, IDC_PREVIEW_VIDEO)));
+        EXPECT_TRUE(PumpUntil([&] { return !IsWindowVisible(GetDlgItem(dlg, IDC_PREVIEW_VIDEO)); }, 10000));
 
         ModalResponder responder;
         responder.ExpectMessageRes(IDS_ASK_SAVE_CHANGES, IDNO);
         qvForceToStopPreScan(1);
         responder.Verify();
         EXPECT_TRUE(deck.DialogClosed() && qvPreScanUnInit() == 1);
-        DestroyWindow(owner);
     }
 }
