@@ -1,5 +1,5 @@
-// One DV frame: which block goes where, and what the frame tells about its
-// recording through the packs of its subcode, VAUX and audio blocks.
+// One DV frame: whether its blocks sit where they belong, and what it tells
+// about its recording through the packs of its subcode, VAUX and audio blocks.
 #include "dv/DvLayout.h"
 
 #include <algorithm>
@@ -89,7 +89,8 @@ struct PackReader {
             break;
         }
         case RECORDING_DATE: {
-            // The first byte holds the time zone, which the date is already in.
+            // The first byte holds the time zone, which the date is already
+            // in.  Two digits of the year: DV began in the 1990s.
             int d = Bcd(pack[2], 0x3F), mo = Bcd(pack[3], 0x1F), y = Bcd(pack[4], 0xFF);
             if (info.hasDate || d < 1 || d > 31 || mo < 1 || mo > 12 || y < 0) return;
             info.hasDate = true;
@@ -137,8 +138,8 @@ FrameInfo Describe(const uint8_t* frame, size_t size, size_t blocksInPlace)
     for (int seq = 0; seq < Sequences(info.system); ++seq) {
         for (int index : PACK_BLOCKS) {
             size_t at = (size_t(seq) * BLOCKS_PER_SEQUENCE + index) * BLOCK_BYTES;
+            if (at + BLOCK_BYTES > size || !InPlace(frame + at, seq, index)) continue;
             const uint8_t* block = frame + at;
-            if (at + BLOCK_BYTES > size || !InPlace(block, seq, index)) continue;
             switch (PlaceOf(index).section) {
             case SUBCODE:
                 for (int j = 0; j < 6; ++j) packs.Read(block + 3 + 8 * j + 3);

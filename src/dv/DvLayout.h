@@ -2,7 +2,8 @@
 // three ID bytes every block starts with.
 //
 //   byte 0: section type in the top 3 bits (header, subcode, VAUX, audio,
-//           video); the rest is free for the recorder
+//           video); bit 4 reserved, written as 1; the low 4 bits free for
+//           the recorder
 //   byte 1: DIF sequence number in the top 4 bits; bit 3 the channel (0 for
 //           the 25 Mbit/s formats read here)
 //   byte 2: the block's number within its section of the sequence

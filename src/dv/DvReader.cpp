@@ -59,18 +59,7 @@ bool Reader::Open(const char* path)
     m_file = std::fopen(path, "rb");
     if (!m_file) return Refuse(path, "cannot be opened");
     m_buffer.resize(CHUNK + FrameBytes(System::Pal625));
-    size_t available = std::min(Fill(LOOK_AHEAD), LOOK_AHEAD);
-    const uint8_t* p = Here();
-    for (size_t i = 0; i + START_BYTES <= available; ++i) {
-        if (IsFrameStart(p + i, available - i)) {
-            m_system = SystemOf(p + i);
-            return true;
-        }
-    }
-    if (available == 0) return Refuse(path, "is not a DV stream: it is empty");
-    std::string why = "is not a DV stream: no DIF header block in its " +
-                      std::string(available < LOOK_AHEAD ? "" : "first ") + std::to_string(available) + " bytes";
-    return Refuse(path, why.c_str());
+    return Start(path);
 }
 
 bool Reader::OpenMemory(const uint8_t* data, size_t size)
@@ -78,14 +67,22 @@ bool Reader::OpenMemory(const uint8_t* data, size_t size)
     Close();
     m_memory = data;
     m_end = size;
-    size_t limit = std::min(size, LOOK_AHEAD);
-    for (size_t i = 0; i + START_BYTES <= limit; ++i) {
-        if (IsFrameStart(data + i, size - i)) {
-            m_system = SystemOf(data + i);
+    return Start("The stream");
+}
+
+bool Reader::Start(const char* name)
+{
+    size_t available = Fill(LOOK_AHEAD), searched = std::min(available, LOOK_AHEAD);
+    for (size_t i = 0; i + START_BYTES <= searched; ++i) {
+        if (IsFrameStart(Here() + i, available - i)) {
+            m_system = SystemOf(Here() + i);
             return true;
         }
     }
-    return Refuse("The stream", "is not a DV stream: no DIF header block at its start");
+    if (available == 0) return Refuse(name, "is not a DV stream: it is empty");
+    std::string why = "is not a DV stream: no DIF header block in its " +
+                      std::string(searched < LOOK_AHEAD ? "" : "first ") + std::to_string(searched) + " bytes";
+    return Refuse(name, why.c_str());
 }
 
 size_t Reader::Fill(size_t want)

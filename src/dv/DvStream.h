@@ -87,6 +87,7 @@ private:
     // Bytes from the read position on, at least `want` unless the stream ends first.
     size_t Fill(size_t want);
     const uint8_t* Here() const { return (m_memory ? m_memory : m_buffer.data()) + m_start; }
+    bool Start(const char* name);  // finds the first frame, or refuses the stream
     bool FindHeader();
     bool Refuse(const char* name, const char* why);
 

@@ -23,13 +23,11 @@ std::string TimeCodeText(const dv::FrameInfo& f)
 
 std::string RecordedText(const dv::FrameInfo& f)
 {
-    char text[32];
-    if (f.hasDate) std::snprintf(text, sizeof text, "%04d-%02d-%02d", f.recorded.year, f.recorded.month, f.recorded.day);
-    else std::strcpy(text, "----------");
-    std::string s = text;
-    if (f.hasTime) std::snprintf(text, sizeof text, "%02d:%02d:%02d", f.recorded.hour, f.recorded.minute, f.recorded.second);
-    else std::strcpy(text, "--:--:--");
-    return s + " " + text;
+    const dv::RecordedAt& t = f.recorded;
+    char date[16] = "----------", time[16] = "--:--:--";
+    if (f.hasDate) std::snprintf(date, sizeof date, "%04d-%02d-%02d", t.year, t.month, t.day);
+    if (f.hasTime) std::snprintf(time, sizeof time, "%02d:%02d:%02d", t.hour, t.minute, t.second);
+    return std::string(date) + " " + time;
 }
 
 // The picture as a PPM file: top row first, RGB.
