@@ -8,6 +8,7 @@
 #   make run     the reference host with a real display (TAPE=FILE.dv plays that file)
 #   make shots   screenshots into docs/
 #   make fuzz    the scene list and DV readers under libFuzzer (FUZZ_SECONDS, default 300)
+#   make sdk     the kit for host developers: build/sdk/qvPreScan-sdk-VERSION(.zip)
 
 BUILD   := build
 WIN     := $(BUILD)/win
@@ -17,7 +18,7 @@ JOBS    ?= $(shell nproc)
 
 FUZZ_SECONDS ?= 300
 
-.PHONY: all deps build build-win build-native test test-native test-win demo run shots fuzz bench clean
+.PHONY: all deps build build-win build-native test test-native test-win demo run shots fuzz bench sdk clean
 
 all: build
 
@@ -60,6 +61,10 @@ shots: build-win
 # The benchmarks in full (several minutes); make test runs each once, small.
 bench: build-win build-native
 	scripts/bench.sh
+
+# The host developer's kit: header, DLLs, import libraries, guide, sample.
+sdk: build-win
+	scripts/sdk.sh
 
 fuzz:
 	FUZZ_SECONDS=$(FUZZ_SECONDS) scripts/fuzz.sh

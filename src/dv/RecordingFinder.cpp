@@ -54,6 +54,7 @@ bool RecordingFinder::Breaks(const FrameInfo& info) const
         // without one in between count too.
         if (info.system != m_lastTimed.system || info.dropFrame != m_lastTimed.dropFrame) return true;
         int64_t day = FramesPerDay(info);
+        if (day == 0) return false;  // no system, no count to follow
         int64_t expected = (FramesOf(m_lastTimed) + static_cast<int64_t>(m_frames - m_lastTimedFrame)) % day;
         if (FramesOf(info) != expected) return true;
     }

@@ -12,6 +12,11 @@
 #include <string>
 #include <vector>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#endif
+
 namespace {
 
 struct Scenes : qv::SceneListSink {
@@ -64,14 +69,13 @@ SceneLine LineOf(SceneRecord& r, int tv, const qv::RowTextSources& src)
 
 // ---- edit decision list -------------------------------------------------
 
-// How an EDL counts frames: --tv 2 is 25 frames per second; --tv 1 (the
-// standard that shows its frame number apart) is 30 frames per second with
-// drop-frame numbering, --tv 0 the same rate numbered without dropping.
+// How an EDL counts frames: as the module counts them, --tv 2 is 25 frames
+// per second, and 0 and 1 are 30 frames per second with drop-frame numbering.
 struct EdlClock {
     int fps;
     bool drop;
 
-    explicit EdlClock(int tv) : fps(qv::GetFrameRate(tv)), drop(tv == 1) {}
+    explicit EdlClock(int tv) : fps(qv::GetFrameRate(tv)), drop(fps == 30) {}
 
     // A valid time code of this clock: fields in range, and with drop-frame
     // numbering not one of the two numbers left out at most minute starts.
@@ -83,12 +87,7 @@ struct EdlClock {
     }
 
     // Zero-based frame number of a valid time code.
-    int32_t Frames(uint32_t t) const
-    {
-        if (fps == 25 || drop) return qv::TimeCodeToFrames(t, drop ? 1 : 2) - 1;
-        return (((int32_t((t >> 24) & 0xFF) * 60 + int32_t((t >> 16) & 0xFF)) * 60 + int32_t((t >> 8) & 0xFF)) * fps) +
-               int32_t(t & 0xFF);
-    }
+    int32_t Frames(uint32_t t) const { return qv::TimeCodeToFrames(t, drop ? 1 : 2) - 1; }
 
     // A scene's length in frames; 0 when it has no two valid time codes.
     int32_t Length(const SceneRecord& r) const
@@ -183,8 +182,9 @@ const char kUsage[] =
     "       qvpsf --help                   this text\n"
     "\n"
     "--tv      the tape's TV standard, which the file does not record: 2 (25 frames\n"
-    "          per second, the default), 0 or 1 (30 frames per second; 1 shows the\n"
-    "          frame number after a '.' and makes a drop-frame EDL, 0 a non-drop one)\n"
+    "          per second, the default), 0 or 1 (30 frames per second, drop-frame\n"
+    "          time code, as the pre-scan module counts it; 1 shows the frame number\n"
+    "          after a '.')\n"
     "--marked  edl: only the scenes marked for capture\n"
     "\n"
     "The EDL goes to standard output; its record times run from 01:00:00:00 and\n"
@@ -200,6 +200,10 @@ int BadArguments(const std::string& why)
 
 int main(int argc, char** argv)
 {
+#ifdef _WIN32
+    // The same bytes as everywhere: CSV rows end in "\r\n", not "\r\r\n".
+    _setmode(_fileno(stdout), _O_BINARY);
+#endif
     if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
         std::printf("%s\n%s", kUsage, kReelRule);
         return 0;

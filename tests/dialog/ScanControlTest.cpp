@@ -116,7 +116,7 @@ TEST_F(ScanControlTest, CaptureSendsTheMarkedScenesInTableOrder)
     for (int i = 0; i < 3; ++i)
         EXPECT_TRUE(r->spans[i].dwTimeCodeIn == Tc(0, 0, 10 * rows[i], 0) &&
                     r->spans[i].dwPositionOut == Tc(0, 0, 10 * rows[i] + 5, 0) / 2) << i;
-    EXPECT_TRUE(AllZero(r->record, 532, 84));
+    EXPECT_TRUE(AllZero(r->record, 532, 84) && Enabled(IDC_START_SCAN));  // the answer 1: the capture has finished
     // The host reports each captured file against the marked scenes, in order.
     qvSetCapSceneFileName(1, "C:\\Tape 2.avi");
     EXPECT_EQ(CellText(2, 5), qv::LoadResString(IDS_CAPTURED_FILE_PREFIX) + "C:\\Tape 2.avi");

@@ -1,5 +1,6 @@
 // Previewing a scene: a captured AVI plays over the scene's thumbnail until it
-// ends or the button is pressed again, without asking the host to play tape.
+// ends or the button is pressed again, without asking the host to play tape;
+// a scene without a file the host plays from tape.
 #include "ResourceIds.h"
 #include "scenes/SceneStore.h"
 #include "support/DialogFixture.h"
@@ -41,7 +42,7 @@ class PreviewTest : public DialogFixture {};
 
 } // namespace
 
-TEST_F(PreviewTest, CapturedFilePlaysOverItsThumbnailUntilItEnds)
+TEST_F(PreviewTest, FilePlaysOverItsThumbnailElseTheHostPlaysTheTape)
 {
     OpenWithScenes(3);
     std::strcpy(g_arScenes.GetAt(1)->szCaptureFile, "C:\\gone\\deleted.avi");  // missing: the scan file plays
@@ -58,4 +59,14 @@ TEST_F(PreviewTest, CapturedFilePlaysOverItsThumbnailUntilItEnds)
         EXPECT_TRUE(!Visible(IDC_PREVIEW_VIDEO) && Enabled(IDC_START_SCAN));
     }
     EXPECT_EQ(Host().Count(HOSTREQ_PLAY_SPAN), 0);
+    // No file: the host plays the tape inside request 4, and one request 5 ends
+    // it when the host returns, or when the user presses the button again inside.
+    SelectRow(0);
+    bool pressAgain = false;
+    Host().OnRequest(HOSTREQ_PLAY_SPAN, [&](intptr_t) { if (pressAgain) Click(IDC_PREVIEW); return 1; });
+    for (int stops : {1, 2}) {
+        Click(IDC_PREVIEW), pressAgain = true;
+        EXPECT_EQ(Host().Count(HOSTREQ_STOP_PLAY), stops);
+    }
+    EXPECT_TRUE(Dlg().m_nState == PS_IDLE && Host().LastRecord<SceneSpan>(HOSTREQ_PLAY_SPAN).dwTimeCodeOut == Tc(0, 0, 5, 0));
 }
