@@ -1,10 +1,11 @@
 # qvPreScan: the DV tape pre-scan module, its resource library and the
 # reference host, cross-built for Windows x86-64 and run under Wine.
 #
-#   make demo    the reference host scans the synthetic tape headless
+#   make demo    the reference host scans the synthetic tape and a DV tape headless
+#                (TAPE=FILE.dv: your own raw DV file instead)
 #   make test    every test: the portable core natively, the rest under Wine
 #   make build   build/bin/: qvPreScan.dll, qvCaptureRC.dll, qvrefhost.exe
-#   make run     the reference host with a real display
+#   make run     the reference host with a real display (TAPE=FILE.dv plays that file)
 #   make shots   screenshots into docs/
 #   make fuzz    the scene list and DV readers under libFuzzer (FUZZ_SECONDS, default 300)
 #   make sdk     the kit for host developers: build/sdk/qvPreScan-sdk-VERSION(.zip)
@@ -49,10 +50,10 @@ test-win: build-win
 test: test-native test-win
 
 demo: build
-	scripts/with-display.sh scripts/demo.sh
+	TAPE="$(TAPE)" scripts/with-display.sh scripts/demo.sh
 
 run: build-win
-	scripts/run-interactive.sh
+	TAPE="$(TAPE)" scripts/run-interactive.sh
 
 shots: build-win
 	scripts/with-display.sh scripts/shots.sh

@@ -1,5 +1,7 @@
 #include "SyntheticTape.h"
 
+#include "AviWriter.h"
+
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -21,24 +23,44 @@ SyntheticTape::SyntheticTape(int nScenes, int nMinutes)
         s.stRecorded.wHour = static_cast<WORD>(9 + i % 10);
         s.stRecorded.wMinute = static_cast<WORD>((i * 13) % 60);
         s.stRecorded.wSecond = static_cast<WORD>((i * 29) % 60);
-        s.nPattern = i % 4;
+        s.dwTimeCodeIn = TimeCodeOf(s.nFirstFrame);
+        s.dwTimeCodeOut = TimeCodeOf(s.nLastFrame);
         m_scenes.push_back(s);
     }
     // One scene from a camcorder whose clock was never set.
     if (nScenes > 5) m_scenes[5].stRecorded = SYSTEMTIME{};
 }
 
-uint32_t SyntheticTape::TimeCodeOf(uint32_t n)
+uint32_t SyntheticTape::TimeCodeOf(uint32_t n) const
 {
     uint32_t f = n % kFramesPerSecond, total = n / kFramesPerSecond;
     uint32_t s = total % 60, m = (total / 60) % 60, h = total / 3600;
     return (h << 24) | (m << 16) | (s << 8) | f;
 }
 
-uint32_t SyntheticTape::FrameOf(uint32_t t)
+uint32_t SyntheticTape::FrameOf(uint32_t t, uint32_t) const
 {
     uint32_t h = t >> 24, m = (t >> 16) & 0xFF, s = (t >> 8) & 0xFF, f = t & 0xFF;
     return ((h * 60 + m) * 60 + s) * kFramesPerSecond + f;
+}
+
+bool SyntheticTape::Thumbnail(int scene, BITMAPINFOHEADER& header, std::vector<uint8_t>& bits) const
+{
+    RenderFrame(scene, scene % 4, 0, 80, 60, header, bits);
+    return true;
+}
+
+bool SyntheticTape::Capture(uint32_t first, uint32_t, const std::string& path) const
+{
+    int scene = SceneAt(first);
+    return scene < static_cast<int>(m_scenes.size()) && WriteSceneAvi(path, scene, scene % 4, 2);
+}
+
+int Tape::SceneAt(uint32_t frame) const
+{
+    for (size_t i = 0; i < m_scenes.size(); ++i)
+        if (m_scenes[i].nLastFrame >= frame) return static_cast<int>(i);
+    return static_cast<int>(m_scenes.size());
 }
 
 namespace {

@@ -3,37 +3,27 @@
 // themselves (thumbnails and captured frames).
 #pragma once
 
-#include <windows.h>
+#include "Tape.h"
 
-#include <cstdint>
-#include <vector>
-
-struct TapeScene {
-    uint32_t nFirstFrame;   // device position of the first frame
-    uint32_t nLastFrame;
-    SYSTEMTIME stRecorded;
-    int nPattern;           // which test picture
-};
-
-class SyntheticTape {
+class SyntheticTape : public Tape {
 public:
     static const int kFramesPerSecond = 25;
 
     explicit SyntheticTape(int nScenes = 36, int nMinutes = 60);
-    const std::vector<TapeScene>& Scenes() const { return m_scenes; }
-    uint32_t LengthInFrames() const { return m_length; }
 
-    // A packed time code of a frame position (25 frames per second).
-    static uint32_t TimeCodeOf(uint32_t nFrame);
-    // A frame position of a packed time code.
-    static uint32_t FrameOf(uint32_t dwTimeCode);
+    int FramesPerSecond() const override { return kFramesPerSecond; }
+    int TvStandard() const override { return 2; }
+    const char* CaptureExtension() const override { return ".avi"; }
+    // Time codes run from 00:00:00:00 at the tape's start, 25 frames a second.
+    uint32_t TimeCodeOf(uint32_t nFrame) const override;
+    uint32_t FrameOf(uint32_t dwTimeCode, uint32_t from) const override;
+    // Each scene's test picture at 80x60, numbered.
+    bool Thumbnail(int scene, BITMAPINFOHEADER& header, std::vector<uint8_t>& bits) const override;
+    // Two seconds of the picture of the scene holding `first`, as an AVI.
+    bool Capture(uint32_t first, uint32_t last, const std::string& path) const override;
 
     // Draws scene `i`'s picture, `nFrameInScene` frames into it, as a
     // bottom-up 24-bit DIB of the given size.
     static void RenderFrame(int nScene, int nPattern, int nFrameInScene, int width, int height,
                             BITMAPINFOHEADER& header, std::vector<uint8_t>& bits);
-
-private:
-    std::vector<TapeScene> m_scenes;
-    uint32_t m_length = 0;
 };

@@ -1,7 +1,6 @@
 #include "VirtualDeck.h"
 
-#include "AviWriter.h"
-
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -10,14 +9,15 @@ VirtualDeck* VirtualDeck::s_instance;
 namespace {
 
 const UINT kTickMs = 40;
-const int kCaptureSeconds = 2;
+const UINT kTimerId = 77;
+const UINT WM_DECK_TAPE_END = WM_APP + 7;
 
 SceneInfo MakeInfo(const TapeScene& s, bool end)
 {
     SceneInfo info;
     std::memset(&info, 0, sizeof info);
-    info.dwTimeCodeIn = SyntheticTape::TimeCodeOf(s.nFirstFrame);
-    info.dwTimeCodeOut = end ? SyntheticTape::TimeCodeOf(s.nLastFrame) : 0;
+    info.dwTimeCodeIn = s.dwTimeCodeIn;
+    info.dwTimeCodeOut = end ? s.dwTimeCodeOut : 0;
     info.stRecorded = {s.stRecorded.wYear, s.stRecorded.wMonth, s.stRecorded.wDayOfWeek, s.stRecorded.wDay,
                        s.stRecorded.wHour, s.stRecorded.wMinute, s.stRecorded.wSecond, 0};
     info.dwPositionIn = s.nFirstFrame;
@@ -27,15 +27,31 @@ SceneInfo MakeInfo(const TapeScene& s, bool end)
 
 } // namespace
 
-VirtualDeck::VirtualDeck(HWND hHostWindow, double speedFactor) : m_hHost(hHostWindow), m_speed(speedFactor)
+VirtualDeck::VirtualDeck(double speedFactor, Tape& tape) : m_speed(speedFactor), m_tape(tape)
 {
     s_instance = this;
+    SetPosition(0);
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = DeckProc;
+    wc.hInstance = GetModuleHandleA(nullptr);
+    wc.lpszClassName = "qvVirtualDeck";
+    RegisterClassA(&wc);
+    m_hWnd = CreateWindowA(wc.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, wc.hInstance, nullptr);
+}
+
+LRESULT CALLBACK VirtualDeck::DeckProc(HWND h, UINT msg, WPARAM wp, LPARAM lp)
+{
+    if (msg == WM_TIMER && wp == kTimerId && s_instance) s_instance->OnTimer();
+    else if (msg == WM_DECK_TAPE_END && s_instance) s_instance->OnTapeEnd();
+    else return DefWindowProcA(h, msg, wp, lp);
+    return 0;
 }
 
 VirtualDeck::~VirtualDeck()
 {
     m_quickStop = true;
     if (m_quickThread.joinable()) m_quickThread.join();
+    DestroyWindow(m_hWnd);
     s_instance = nullptr;
 }
 
@@ -62,7 +78,7 @@ int32_t VirtualDeck::Handle(int32_t nRequest, intptr_t lParam)
         m_stopPlay = true;
         return 1;
     case HOSTREQ_SEEK_TIMECODE:
-        return MoveTo(SyntheticTape::FrameOf(*reinterpret_cast<const uint32_t*>(lParam)));
+        return MoveTo(m_tape.FrameOf(*reinterpret_cast<const uint32_t*>(lParam), m_position));
     case HOSTREQ_SEEK_POSITION:
         return MoveTo(*reinterpret_cast<const uint32_t*>(lParam));
     case HOSTREQ_CHOOSE_LIBRARY: {
@@ -76,7 +92,7 @@ int32_t VirtualDeck::Handle(int32_t nRequest, intptr_t lParam)
         m_dialogClosed = true;
         return 1;
     case HOSTREQ_GET_POSITION:
-        *reinterpret_cast<uint32_t*>(lParam) = SyntheticTape::TimeCodeOf(m_position);
+        *reinterpret_cast<uint32_t*>(lParam) = m_timeCode;
         return 1;
     case HOSTREQ_GET_DEVICE_STATUS: {
         auto& status = *reinterpret_cast<DeviceStatus*>(lParam);
@@ -88,23 +104,25 @@ int32_t VirtualDeck::Handle(int32_t nRequest, intptr_t lParam)
     }
 }
 
-int VirtualDeck::SceneAt(uint32_t frame) const
+void VirtualDeck::SetPosition(uint32_t nFrame)
 {
-    const auto& scenes = m_tape.Scenes();
-    for (size_t i = 0; i < scenes.size(); ++i)
-        if (scenes[i].nLastFrame >= frame) return static_cast<int>(i);
-    return static_cast<int>(scenes.size());
+    m_position = nFrame;
+    m_timeCode = m_tape.TimeCodeOf(nFrame);
+}
+
+uint32_t VirtualDeck::Step(double speed) const
+{
+    return std::max(1u, static_cast<uint32_t>(speed * kTickMs * m_tape.FramesPerSecond() / 1000.0));
 }
 
 void VirtualDeck::FeedBegin(int i)
 {
-    const TapeScene& s = m_tape.Scenes()[static_cast<size_t>(i)];
     BITMAPINFOHEADER header;
     std::vector<uint8_t> bits;
-    SyntheticTape::RenderFrame(i, s.nPattern, 0, 80, 60, header, bits);
-    SceneInfo info = MakeInfo(s, false);
-    info.dwThumbSize = static_cast<uint32_t>(bits.size());
-    qvSetSceneDataBegin(&info, &header, bits.data());
+    bool thumb = m_tape.Thumbnail(i, header, bits);
+    SceneInfo info = MakeInfo(m_tape.Scenes()[static_cast<size_t>(i)], false);
+    info.dwThumbSize = thumb ? static_cast<uint32_t>(bits.size()) : 0;
+    qvSetSceneDataBegin(&info, thumb ? &header : nullptr, thumb ? bits.data() : nullptr);
     m_sceneOpen = true;
 }
 
@@ -132,36 +150,42 @@ void VirtualDeck::FeedUpTo(uint32_t frame)
 
 int32_t VirtualDeck::StartScan(const ScanRequest& req)
 {
-    if (m_position >= m_tape.LengthInFrames()) m_position = 0;  // rewind a finished tape
+    if (m_position >= m_tape.LengthInFrames()) SetPosition(0);  // rewind a finished tape
     m_captureFolder = req.szCaptureFolder;
     m_baseScene = req.nSceneCount;
-    m_nextScene = SceneAt(m_position);
+    m_nextScene = m_tape.SceneAt(m_position);
     m_sceneOpen = false;
     m_scanning = true;
     if (req.nQuickScanSpeed > 0) {
-        // A quick scan reports from the deck's own thread, as fast as it finds scenes.
+        // A quick scan is the deck's trick play, from its own thread: the head
+        // reads one frame in `stride` (8 to 64 as the speed rises), as fast as
+        // the tape gives them, and each scene's begin and end are reported as
+        // the head passes them.
         if (m_quickThread.joinable()) m_quickThread.join();
         m_quickStop = false;
-        int first = m_nextScene;
-        m_quickThread = std::thread([this, first] {
-            for (int i = first; i < static_cast<int>(m_tape.Scenes().size()) && !m_quickStop; ++i) {
-                FeedBegin(i);
-                FeedEnd(i);
-                Sleep(2);
+        uint32_t stride = 4u << std::clamp(req.nQuickScanSpeed, 1, 4);
+        m_quickThread = std::thread([this, stride] {
+            const uint32_t end = m_tape.LengthInFrames();
+            for (uint32_t at = m_position; !m_quickStop; at = std::min(at + stride, end)) {
+                int fed = m_scenesFed;
+                m_position = at;
+                m_timeCode = m_tape.ReadInPassing(at);
+                FeedUpTo(at);
+                if (m_scenesFed != fed) Sleep(2);
+                if (at >= end) break;
             }
-            PostMessageA(m_hHost, WM_DECK_TAPE_END, 0, 0);
+            PostMessageA(m_hWnd, WM_DECK_TAPE_END, 0, 0);
         });
         return 1;
     }
-    SetTimer(m_hHost, kTimerId, kTickMs, nullptr);
+    SetTimer(m_hWnd, kTimerId, kTickMs, nullptr);
     return 1;
 }
 
 void VirtualDeck::OnTimer()
 {
     if (!m_scanning) return;
-    uint32_t step = static_cast<uint32_t>(m_speed * kTickMs * SyntheticTape::kFramesPerSecond / 1000.0);
-    m_position = m_position + step > m_tape.LengthInFrames() ? m_tape.LengthInFrames() : m_position + step;
+    SetPosition(std::min(m_position + Step(m_speed), m_tape.LengthInFrames()));
     FeedUpTo(m_position);
     if (m_position >= m_tape.LengthInFrames()) OnTapeEnd();
 }
@@ -169,7 +193,7 @@ void VirtualDeck::OnTimer()
 void VirtualDeck::OnTapeEnd()
 {
     // The end of the tape ends the scan, as the host's deck reports it.
-    KillTimer(m_hHost, kTimerId);
+    KillTimer(m_hWnd, kTimerId);
     if (m_scanning) qvForceToStopPreScan(0);
     m_scanning = false;
 }
@@ -178,7 +202,7 @@ void VirtualDeck::StopPlaying()
 {
     m_scanning = false;
     m_quickStop = true;
-    KillTimer(m_hHost, kTimerId);
+    KillTimer(m_hWnd, kTimerId);
 }
 
 bool VirtualDeck::PumpWhile(uint32_t ms)
@@ -204,7 +228,7 @@ std::string VirtualDeck::CaptureFileName(int nTake) const
 {
     std::string base = m_captureName.substr(0, m_captureName.rfind('.'));
     char name[64];
-    std::snprintf(name, sizeof name, " %03d.avi", nTake);
+    std::snprintf(name, sizeof name, " %03d%s", nTake, m_tape.CaptureExtension());
     std::string folder = m_captureFolder;
     if (!folder.empty() && folder.back() != '\\') folder += '\\';
     return folder + base + name;
@@ -214,20 +238,20 @@ int32_t VirtualDeck::ScanWithCapture(const ScanRequest& req)
 {
     // The whole scan runs inside the request: the deck plays, reports each
     // scene and captures it at once, pumping messages meanwhile.
-    if (m_position >= m_tape.LengthInFrames()) m_position = 0;
+    if (m_position >= m_tape.LengthInFrames()) SetPosition(0);
     m_captureFolder = req.szCaptureFolder;
     m_captureName = req.szCaptureName;
     m_baseScene = req.nSceneCount;
-    int first = SceneAt(m_position);
+    int first = m_tape.SceneAt(m_position);
     for (int i = first; i < static_cast<int>(m_tape.Scenes().size()); ++i) {
         const TapeScene& s = m_tape.Scenes()[static_cast<size_t>(i)];
-        m_position = s.nFirstFrame;
+        SetPosition(s.nFirstFrame);
         FeedBegin(i);
         if (!PumpWhile(10)) break;
-        m_position = s.nLastFrame;
+        SetPosition(s.nLastFrame);
         FeedEnd(i);
         std::string file = CaptureFileName(m_baseScene + i - first + 1);
-        if (WriteSceneAvi(file, i, s.nPattern, kCaptureSeconds)) {
+        if (m_tape.Capture(s.nFirstFrame, s.nLastFrame, file)) {
             qvSetCapSceneFileName(m_baseScene + i - first, file.c_str());
             ++m_filesCaptured;
         }
@@ -242,13 +266,12 @@ int32_t VirtualDeck::Capture(const CaptureRequest& req)
     m_captureName.assign(req.szCaptureName, strnlen(req.szCaptureName, sizeof req.szCaptureName));
     int take = 0;
     for (const SceneSpan* span = req.pFirstSpan; span && take < req.nSpanCount; span = span->pNext, ++take) {
-        uint32_t first = span->dwPositionIn != QV_NO_POSITION ? span->dwPositionIn
-                                                              : SyntheticTape::FrameOf(span->dwTimeCodeIn);
-        int scene = SceneAt(first);
-        if (scene >= static_cast<int>(m_tape.Scenes().size())) continue;
-        m_position = first;
+        uint32_t first, last;
+        SpanFrames(*span, first, last);
+        if (first >= m_tape.LengthInFrames()) continue;
+        SetPosition(first);
         std::string file = CaptureFileName(take + 1);
-        if (WriteSceneAvi(file, scene, m_tape.Scenes()[static_cast<size_t>(scene)].nPattern, kCaptureSeconds)) {
+        if (m_tape.Capture(first, last, file)) {
             qvSetCapSceneFileName(take, file.c_str());  // the n-th marked scene
             ++m_filesCaptured;
         }
@@ -257,28 +280,35 @@ int32_t VirtualDeck::Capture(const CaptureRequest& req)
     return 1;
 }
 
+void VirtualDeck::SpanFrames(const SceneSpan& span, uint32_t& first, uint32_t& last) const
+{
+    // Positions when the module has them, else the frames carrying the time codes.
+    first = span.dwPositionIn != QV_NO_POSITION ? span.dwPositionIn : m_tape.FrameOf(span.dwTimeCodeIn, m_position);
+    last = span.dwPositionOut != QV_NO_POSITION && span.dwPositionOut ? span.dwPositionOut
+                                                                      : m_tape.FrameOf(span.dwTimeCodeOut, first);
+}
+
 int32_t VirtualDeck::PlaySpan(const SceneSpan& span)
 {
-    uint32_t from = span.dwPositionIn != QV_NO_POSITION ? span.dwPositionIn : SyntheticTape::FrameOf(span.dwTimeCodeIn);
-    uint32_t to = span.dwPositionOut != QV_NO_POSITION && span.dwPositionOut ? span.dwPositionOut
-                                                                             : SyntheticTape::FrameOf(span.dwTimeCodeOut);
+    uint32_t from, to;
+    SpanFrames(span, from, to);
     m_stopPlay = false;
-    m_position = from;
+    SetPosition(from);
     // Plays at four times normal speed so a preview does not take minutes.
     while (!m_stopPlay && m_position < to) {
         if (!PumpWhile(kTickMs)) break;
-        m_position += 4 * SyntheticTape::kFramesPerSecond * kTickMs / 1000;
+        SetPosition(std::min(m_position + Step(4), to));
     }
     return 1;
 }
 
 int32_t VirtualDeck::MoveTo(uint32_t nFrame)
 {
-    uint32_t step = static_cast<uint32_t>(m_speed * kTickMs * SyntheticTape::kFramesPerSecond / 1000.0);
+    uint32_t step = Step(m_speed);
     while (m_position != nFrame) {
         if (!PumpWhile(kTickMs)) return 0;
-        if (m_position < nFrame) m_position = nFrame - m_position < step ? nFrame : m_position + step;
-        else m_position = m_position - nFrame < step ? nFrame : m_position - step;
+        uint32_t at = m_position;
+        SetPosition(at < nFrame ? std::min(at + step, nFrame) : std::max(at > step ? at - step : 0, nFrame));
     }
     return 1;
 }

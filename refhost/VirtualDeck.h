@@ -1,9 +1,10 @@
-// The reference host's virtual DV deck: it plays the synthetic tape, feeds
-// the module's scene feed while scanning, captures marked scenes into AVI
-// files, moves the tape, and answers every request the module sends.
+// The reference host's virtual DV deck: it plays a tape (the synthetic one or
+// a DV file), feeds the module's scene feed while scanning, captures marked
+// scenes into files, moves the tape, and answers every request the module
+// sends.
 #pragma once
 
-#include "SyntheticTape.h"
+#include "Tape.h"
 #include "qvPreScan.h"
 
 #include <windows.h>
@@ -14,18 +15,12 @@
 
 class VirtualDeck {
 public:
-    VirtualDeck(HWND hHostWindow, double speedFactor);
+    VirtualDeck(double speedFactor, Tape& tape);
     ~VirtualDeck();
 
     // The HostRequestProc the module is given (one deck per process).
     static int32_t RequestProc(int32_t nRequest, intptr_t lParam);
-    static VirtualDeck* Instance() { return s_instance; }
 
-    // The host window's timer and private messages come here.
-    void OnTimer();
-    void OnTapeEnd();
-    static const UINT kTimerId = 77;
-    static const UINT WM_DECK_TAPE_END = WM_APP + 7;
 
     // Device faults the user can switch on (flags 0..7 of the device status).
     void SetFault(int nFlag, bool bOn) { m_faults[nFlag] = bOn; }
@@ -44,18 +39,26 @@ private:
     int32_t PlaySpan(const SceneSpan& span);
     int32_t MoveTo(uint32_t nFrame);
     void StopPlaying();
+    // The deck's play timer and the quick scan's end arrive at its own
+    // message-only window, on the thread that made the deck.
+    static LRESULT CALLBACK DeckProc(HWND h, UINT msg, WPARAM wp, LPARAM lp);
+    void OnTimer();
+    void OnTapeEnd();
     void FeedUpTo(uint32_t nFrame);
     void FeedBegin(int i);
     void FeedEnd(int i);
+    void SetPosition(uint32_t nFrame);
     bool PumpWhile(uint32_t ms);
     std::string CaptureFileName(int nTake) const;
-    int SceneAt(uint32_t frame) const;
+    uint32_t Step(double speed) const;
+    void SpanFrames(const SceneSpan& span, uint32_t& first, uint32_t& last) const;
 
     static VirtualDeck* s_instance;
-    HWND m_hHost;
+    HWND m_hWnd;
     double m_speed;
-    SyntheticTape m_tape;
-    uint32_t m_position = 0;
+    Tape& m_tape;
+    std::atomic<uint32_t> m_position{0};
+    std::atomic<uint32_t> m_timeCode{0};  // what the head last read: the deck's position display
     int m_nextScene = 0;     // next scene whose begin is to be reported
     bool m_sceneOpen = false;
     bool m_scanning = false;

@@ -3,10 +3,13 @@
 // answers every request of the module.
 //
 //   qvrefhost                       the pre-scan dialog over a small host window
-//   qvrefhost --headless --out DIR  scan the synthetic tape, take a screenshot, close
-//   options: --speed N (tape speed factor while scanning, default 600)
+//   qvrefhost --headless --out DIR  scan the tape, mark, capture, save, take a screenshot, close
+//   options: --tape FILE.dv (play a raw DV file instead of the synthetic tape)
+//            --speed N (tape speed factor while scanning, default 600)
 //            --quick N (quick scan at speed N)   --fault F (device flag F off)
 #include "Automation.h"
+#include "DvTape.h"
+#include "SyntheticTape.h"
 #include "VirtualDeck.h"
 #include "qvPreScan.h"
 
@@ -25,21 +28,16 @@ struct Options {
     bool headless = false;
     std::string outDir = ".";
     std::string shotsDir;  // also take the documentation's screenshots here
+    std::string tapeFile;  // a DV file to play; the synthetic tape when empty
     double speed = 600;
     int quick = 0;
     int fault = -1;
+    std::string tapeName = "Summer 2003", listName = "summer";  // a DV tape: its file's name
 };
 
 LRESULT CALLBACK HostWndProc(HWND h, UINT msg, WPARAM wp, LPARAM lp)
 {
-    VirtualDeck* deck = VirtualDeck::Instance();
     switch (msg) {
-    case WM_TIMER:
-        if (deck && wp == VirtualDeck::kTimerId) deck->OnTimer();
-        return 0;
-    case VirtualDeck::WM_DECK_TAPE_END:
-        if (deck) deck->OnTapeEnd();
-        return 0;
     case WM_PAINT: {
         PAINTSTRUCT ps;
         HDC dc = BeginPaint(h, &ps);
@@ -70,14 +68,15 @@ HWND CreateHostWindow()
                          nullptr, nullptr, wc.hInstance, nullptr);
 }
 
-PreScanInitInfo MakeInitInfo()
+// The tape's capture format and TV standard go to the module with the rest.
+PreScanInitInfo MakeInitInfo(const Tape& tape)
 {
     PreScanInitInfo info;
     std::memset(&info, 0, sizeof info);
     info.hHost = GetModuleHandleA(nullptr);
     info.pfnHostRequest = &VirtualDeck::RequestProc;
-    std::strcpy(info.szCaptureExt, ".avi");
-    info.nTvStandard = 2;  // 25 frames per second
+    std::snprintf(info.szCaptureExt, sizeof info.szCaptureExt, "%s", tape.CaptureExtension());
+    info.nTvStandard = tape.TvStandard();
     info.pszHelpFile = "qvrefhost.hlp";
     return info;
 }
@@ -94,6 +93,13 @@ Options ParseOptions(int argc, char** argv)
         else if (a == "--speed") o.speed = std::atof(next());
         else if (a == "--quick") o.quick = std::atoi(next());
         else if (a == "--fault") o.fault = std::atoi(next());
+        else if (a == "--tape") o.tapeFile = next();
+    }
+    if (!o.tapeFile.empty()) {
+        size_t slash = o.tapeFile.find_last_of("\\/:");
+        o.listName = o.tapeFile.substr(slash == std::string::npos ? 0 : slash + 1);
+        o.listName = o.listName.substr(0, o.listName.rfind('.'));
+        o.tapeName = o.listName;
     }
     return o;
 }
@@ -120,7 +126,7 @@ int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
     }
     HWND list = GetDlgItem(dlg, kSceneList);
     Pump(300);  // the device check
-    SetDlgItemTextA(dlg, kTapeName, "Summer 2003");
+    SetDlgItemTextA(dlg, kTapeName, o.tapeName.c_str());
     ui::Press(dlg, kStartScan);
     while (deck.Scanning() && GetTickCount() - start < 120000) Pump(50);
     Pump(300);
@@ -183,7 +189,7 @@ int RunHeadless(const Options& o, HWND hostWindow, VirtualDeck& deck)
     }
 
     // Save the list through the save dialog, then open it again through the open dialog.
-    std::string listFile = o.outDir + "\\summer.psf";
+    std::string listFile = o.outDir + "\\" + o.listName + ".psf";
     answerer.ChooseFile(listFile);
     ui::Press(dlg, kSaveList);
     Pump(300);
@@ -219,11 +225,23 @@ int main(int argc, char** argv)
     Options o = ParseOptions(argc, argv);
     INITCOMMONCONTROLSEX icc = {sizeof icc, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&icc);
+    SyntheticTape synthetic;
+    DvTape dvTape;
+    Tape* tape = &synthetic;
+    if (!o.tapeFile.empty()) {
+        if (!dvTape.Open(o.tapeFile)) {
+            std::fprintf(stderr, "%s\n", dvTape.Error().c_str());
+            return 1;
+        }
+        tape = &dvTape;
+        std::printf("tape %s: %u frames, %zu recordings, %d frames per second\n", o.tapeFile.c_str(),
+                    tape->LengthInFrames(), tape->Scenes().size(), tape->FramesPerSecond());
+    }
     HWND hostWindow = CreateHostWindow();
-    VirtualDeck deck(hostWindow, o.speed);
+    VirtualDeck deck(o.speed, *tape);
     if (o.fault >= 0 && o.fault < 8) deck.SetFault(o.fault, true);
 
-    PreScanInitInfo info = MakeInitInfo();
+    PreScanInitInfo info = MakeInitInfo(*tape);
     if (!qvPreScanInit(&info)) {
         std::fprintf(stderr, "the module refused to initialise\n");
         return 1;
@@ -240,7 +258,7 @@ int main(int argc, char** argv)
             qvPreScanInit(&info);
         }
     }
-    std::printf("module initialised (capture extension .avi, 25 frames per second)\n");
+    std::printf("module initialised (capture extension %s, TV standard %d)\n", info.szCaptureExt, info.nTvStandard);
     int rc = o.headless ? RunHeadless(o, hostWindow, deck) : RunInteractive(hostWindow, deck);
     qvPreScanUnInit();
     DestroyWindow(hostWindow);

@@ -40,6 +40,13 @@ fi
 echo "== bench_dv ${args[*]:-}" >&2
 "$root/build/native/bench_dv" "$tape" "${args[@]}" | grep -E '^(ROW|NOTE)' >> "$raw" || { echo "bench_dv failed" >&2; failed=1; }
 
+# The reference host's deck over the same tape, under Wine: loading it, and a
+# quick scan at the fastest deck speed into the pre-scan dialog.
+echo "== bench_deck ${args[*]:-}" >&2
+QV_FORCE_XVFB=1 "$root/scripts/with-display.sh" "$root/scripts/wine-run.sh" "$root/build/win/bench/bench_deck.exe" \
+    "Z:${tape//\//\\}" "${args[@]}" 2> >(grep -v fixme >&2) | tr -d '\r' | grep -E '^(ROW|NOTE)' >> "$raw"
+[ "${PIPESTATUS[0]}" -eq 0 ] || { echo "bench_deck failed" >&2; failed=1; }
+
 table() {
     echo "| Figure | Unit | Min | Median | Max | Baseline | Baseline median | Ratio | Target |"
     echo "|---|---|---:|---:|---:|---|---:|---:|---|"
@@ -81,6 +88,10 @@ if [ "$mode" != "--smoke" ]; then
 - **DV reader.** Frames found in a raw DV file and described (time code, recording date and time, record
   start mark, damage) and the recordings among them, against reading the same bytes with nothing done.
   Both read the file from the page cache, so the baseline is what memory and the C library give.
+- **The deck on a DV tape.** Loading a tape into the reference host's deck reads it through once to find
+  its frames and recordings and decodes one small picture per recording. A quick scan at the fastest
+  speed reads one frame in 64, as a deck's trick play does, and feeds each recording to the dialog with
+  its thumbnail as the head passes it; its baseline is reading those frames alone.
 - **Memory per scene.** Private bytes per scene compare the process before the dialog opened with the
   process after the scan. Heap space freed by earlier runs is reused, so the figure can come out below
   the bytes stored.

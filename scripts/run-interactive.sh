@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The reference host in a real window: the pre-scan dialog over the host,
-# the synthetic tape in the virtual deck.  Needs a display.
+# the synthetic tape in the virtual deck, or the raw DV file TAPE names.
+# Needs a display.
 set -euo pipefail
 source "$(dirname "$0")/wine-env.sh"
 if [ -z "${DISPLAY:-}" ]; then
@@ -10,4 +11,6 @@ fi
 "$(dirname "$0")/wine-prefix.sh"
 mkdir -p "$QV_BUILD/run"
 export QVPRESCAN_APPDATA="${QVPRESCAN_APPDATA:-Z:${QV_BUILD//\//\\}\\run}"
-exec "$WINE64" "$QV_BIN/qvrefhost.exe" --speed "${SPEED:-120}" "$@"
+tape=()
+[ -n "${TAPE:-}" ] && tape=(--tape "Z:$(realpath "$TAPE" | tr / '\\')")
+exec "$WINE64" "$QV_BIN/qvrefhost.exe" --speed "${SPEED:-120}" "${tape[@]}" "$@"

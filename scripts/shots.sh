@@ -17,3 +17,12 @@ for bmp in "$work"/*.bmp; do
     /usr/bin/convert "$bmp" "$QV_ROOT/docs/$name.png"
     echo "docs/$name.png"
 done
+# The dialog after scanning the demo's DV tape: thumbnails decoded from its frames.
+dv="$work/dv"
+mkdir -p "$dv/appdata" "$dv/captures"
+export QVPRESCAN_APPDATA="$(win "$dv/appdata")"
+printf '[MainSec]\r\nPSCaptureFileName=%s\\Tape.dv\r\nSavePSFDir=%s\r\n' \
+    "$(win "$dv/captures")" "$(win "$dv")" > "$dv/appdata/qvPreScan.ini"
+"$WINE64" "$QV_BIN/qvrefhost.exe" --headless --out "$(win "$dv")" --tape "$(win "$("$QV_ROOT/scripts/demo-tape.sh")")"
+/usr/bin/convert "$dv/prescan.bmp" "$QV_ROOT/docs/dv-demo.png"
+echo "docs/dv-demo.png"

@@ -1,10 +1,12 @@
 #include "platform/VideoPlayer.h"
 
+#include "dv/DvStream.h"
 #include "platform/BoundedCopy.h"
 
 #include <vfw.h>
 
 #include <cstring>
+#include <memory>
 
 VideoFileInfo g_videoFileInfo;
 
@@ -23,19 +25,46 @@ struct Playback {
     UINT_PTR timer = 0;
     LONG next = 0;
     LONG end = 0;
+    // A raw DV file (a scene captured from a DV tape) plays as its frames'
+    // small pictures, decoded from each block's average colour only.
+    std::unique_ptr<dv::Reader> dv;
+    UINT frameMs = 40;
 } g_play;
 
-void DrawFrame(LONG n)
+bool IsDvFile(const char* path)
 {
-    auto* header = static_cast<BITMAPINFOHEADER*>(AVIStreamGetFrame(g_play.frames, n));
-    if (!header || !IsWindow(g_play.video)) return;
+    const char* dot = std::strrchr(path, '.');
+    return dot && (lstrcmpiA(dot, ".dv") == 0 || lstrcmpiA(dot, ".dif") == 0);
+}
+
+void Draw(BITMAPINFOHEADER* header, const void* bits)
+{
+    if (!IsWindow(g_play.video)) return;
     RECT rc;
     GetClientRect(g_play.video, &rc);
     HDC dc = GetDC(g_play.video);
-    auto* bits = reinterpret_cast<uint8_t*>(header) + header->biSize + header->biClrUsed * sizeof(RGBQUAD);
-    DrawDibDraw(g_play.drawDib, dc, 0, 0, rc.right, rc.bottom, header, bits, 0, 0, header->biWidth,
-                header->biHeight < 0 ? -header->biHeight : header->biHeight, 0);
+    DrawDibDraw(g_play.drawDib, dc, 0, 0, rc.right, rc.bottom, header, const_cast<void*>(bits), 0, 0,
+                header->biWidth, header->biHeight < 0 ? -header->biHeight : header->biHeight, 0);
     ReleaseDC(g_play.video, dc);
+}
+
+// Shows the next frame; false at the end of the file.
+bool ShowNext()
+{
+    if (g_play.dv) {
+        dv::FrameInfo info;
+        std::vector<uint8_t> bytes;
+        dv::Picture picture;
+        if (!g_play.dv->Next(info, &bytes)) return false;
+        if (!dv::DecodePicture(bytes.data(), bytes.size(), picture)) return true;  // a damaged frame is skipped
+        BITMAPINFOHEADER header = {sizeof header, picture.width, picture.height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+        Draw(&header, picture.bits.data());
+        return true;
+    }
+    if (g_play.next >= g_play.end) return false;
+    auto* header = static_cast<BITMAPINFOHEADER*>(AVIStreamGetFrame(g_play.frames, g_play.next++));
+    if (header) Draw(header, reinterpret_cast<uint8_t*>(header) + header->biSize + header->biClrUsed * sizeof(RGBQUAD));
+    return true;
 }
 
 void StopTimer()
@@ -46,13 +75,11 @@ void StopTimer()
 
 VOID CALLBACK OnTick(HWND, UINT, UINT_PTR, DWORD)
 {
-    if (!g_play.frames) return;
-    if (g_play.next >= g_play.end) {
+    if (!g_play.frames && !g_play.dv) return;
+    if (!ShowNext()) {
         StopTimer();
         PostMessageA(g_play.notify, WM_COMMAND, MAKEWPARAM(kVideoNotifyId, kVideoEnded), 0);
-        return;
     }
-    DrawFrame(g_play.next++);
 }
 
 void Release()
@@ -85,6 +112,11 @@ int qVideoGetFileInfo(VideoFileInfo* pInfo)
 {
     if (!pInfo) return -1;
     pInfo->szPath[sizeof pInfo->szPath - 1] = 0;
+    if (IsDvFile(pInfo->szPath)) {
+        dv::Reader reader;
+        dv::FrameInfo first;
+        return reader.Open(pInfo->szPath) && reader.Next(first) ? 1 : 0;
+    }
     PAVIFILE file;
     PAVISTREAM stream;
     if (!OpenVideo(pInfo->szPath, file, stream)) return 0;
@@ -100,17 +132,25 @@ int qVideoPlayBegin(VideoFileInfo* pInfo, HWND hVideo, HWND hNotify, int)
 {
     Release();
     if (!pInfo || !IsWindow(hVideo)) return 0;
-    if (!OpenVideo(pInfo->szPath, g_play.file, g_play.stream)) return 0;
-    g_play.frames = AVIStreamGetFrameOpen(g_play.stream, nullptr);
+    if (IsDvFile(pInfo->szPath)) {
+        g_play.dv = std::make_unique<dv::Reader>();
+        if (!g_play.dv->Open(pInfo->szPath)) g_play.dv.reset();
+        else g_play.frameMs = 1000 / dv::TimeCodeRate(g_play.dv->StreamSystem());
+    } else if (OpenVideo(pInfo->szPath, g_play.file, g_play.stream)) {
+        g_play.frames = AVIStreamGetFrameOpen(g_play.stream, nullptr);
+        AVISTREAMINFOA info = {};
+        AVIStreamInfoA(g_play.stream, &info, sizeof info);
+        if (info.dwRate && info.dwScale) g_play.frameMs = static_cast<UINT>(1000.0 * info.dwScale / info.dwRate);
+        g_play.next = AVIStreamStart(g_play.stream);
+        g_play.end = g_play.next + AVIStreamLength(g_play.stream);
+    }
     g_play.drawDib = DrawDibOpen();
-    if (!g_play.frames || !g_play.drawDib) {
+    if ((!g_play.frames && !g_play.dv) || !g_play.drawDib) {
         Release();
         return 0;
     }
     g_play.video = hVideo;
     g_play.notify = hNotify;
-    g_play.next = AVIStreamStart(g_play.stream);
-    g_play.end = g_play.next + AVIStreamLength(g_play.stream);
     return 1;
 }
 
@@ -120,12 +160,9 @@ int qVideoPlayAction(VideoFileInfo*, int nAction, int, int, int, int)
         StopTimer();
         return 0;
     }
-    if (nAction != 1 || !g_play.frames) return -1;
-    AVISTREAMINFOA info = {};
-    AVIStreamInfoA(g_play.stream, &info, sizeof info);
-    UINT ms = info.dwRate ? static_cast<UINT>(1000.0 * info.dwScale / info.dwRate) : 40;
-    DrawFrame(g_play.next++);
-    g_play.timer = SetTimer(nullptr, 0, ms ? ms : 40, &OnTick);
+    if (nAction != 1 || (!g_play.frames && !g_play.dv)) return -1;
+    ShowNext();
+    g_play.timer = SetTimer(nullptr, 0, g_play.frameMs ? g_play.frameMs : 40, &OnTick);
     return g_play.timer ? 0 : -1;
 }
 

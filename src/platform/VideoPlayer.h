@@ -1,6 +1,7 @@
-// Stand-in for the in-house video library: plays an AVI file in a small
-// window, frame by frame on a timer, scaled with DrawDib, and tells the
-// notify window when the file has ended (WM_COMMAND 34438, code 4884).
+// Stand-in for the in-house video library: plays an AVI file, or a raw DV
+// file (.dv, .dif) as its frames' small pictures, in a small window, frame by
+// frame on a timer, scaled with DrawDib, and tells the notify window when the
+// file has ended (WM_COMMAND 34438, code 4884).
 // One playback at a time.
 #pragma once
 
