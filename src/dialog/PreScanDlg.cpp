@@ -61,7 +61,7 @@ void CPreScanDlg::BindControls()
     m_btnGoTo.SubclassDlgItem(IDC_GOTO, m_hWnd);
     m_btnDelete.m_hWnd = GetDlgItem(IDC_DELETE_SCENES);
     m_btnClearAll.m_hWnd = GetDlgItem(IDC_CLEAR_ALL);
-    m_listScenes.SubclassDlgItem(IDC_SCENE_LIST, m_hWnd);
+    m_listScenes.SubclassVirtualList(IDC_SCENE_LIST, m_hWnd);
 }
 
 void CPreScanDlg::DataToControls()

@@ -307,7 +307,7 @@ int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
     if (updateRow) {
         m_bLastSceneComplete = bBegun ? 0 : 1;
         if (!g_bDirectCapture) {
-            m_listScenes.SetSceneRow(nRow, nRow, bBegun ? TRUE : FALSE, bBegun ? TRUE : FALSE);
+            m_listScenes.SetSceneRow(nRow, bBegun ? TRUE : FALSE);
             m_listScenes.SelectRange(nRow, FALSE, 0);
             ShowNewestRow(nRow);
         }
