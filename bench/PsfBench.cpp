@@ -122,7 +122,7 @@ int main(int argc, char** argv)
             dlg.OpenChosenSceneList();
             open.push_back((NowSeconds() - t0) * 1e3);
             if (dlg.m_nSceneCount != n) {
-                std::fprintf(stderr, "opened %d of %d scenes\n", dlg.m_nSceneCount, n);
+                std::fprintf(stderr, "opened %d of %d scenes\n", dlg.m_nSceneCount.load(), n);
                 return 1;
             }
             {
