@@ -153,8 +153,10 @@ void CqvListCtrl::PostFit()
 }
 
 // The width of a text in the list's font, as the list itself measures it.
-// Every new row is measured: a drawing context of the list's own would cost
-// a call to the window system per text, so one memory context is kept.
+// Every new row is measured, and every row when a file is opened: a drawing
+// context of the list's own would cost a call to the window system per text,
+// so one memory context is kept, and a text of plain ASCII characters is
+// measured from the font's character widths, read once.
 int CqvListCtrl::StringWidth(const char* text) const
 {
     if (!text || !text[0]) return 0;
@@ -165,7 +167,12 @@ int CqvListCtrl::StringWidth(const char* text) const
     if (font != m_hMeasureFont) {
         SelectObject(m_hMeasureDC, font);
         m_hMeasureFont = font;
+        m_bCharWidths = GetCharWidth32A(m_hMeasureDC, 0, 127, m_anCharWidths) != FALSE;
     }
+    int width = 0;
+    const char* p = text;
+    for (; m_bCharWidths && *p && static_cast<unsigned char>(*p) < 128; ++p) width += m_anCharWidths[static_cast<unsigned char>(*p)];
+    if (!*p) return width;
     SIZE size = {0, 0};
     GetTextExtentPoint32A(m_hMeasureDC, text, static_cast<int>(std::strlen(text)), &size);
     return static_cast<int>(size.cx);
@@ -231,7 +238,15 @@ void CqvListCtrl::SizeCommentColumn(int nWidest)
         g_bCommentColumnCapped = 1;
     else
         width = std::max(nWidest, HeaderWidth(COL_COMMENT)) + kCellMargin;
-    SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, width);
+    SetColumnWidth(COL_COMMENT, width);
+}
+
+// A column is resized only to a new width: each resize moves the columns to
+// its right and the scroll bar, at the cost of a call to the window system.
+void CqvListCtrl::SetColumnWidth(int nColumn, int nWidth)
+{
+    if (SendMessage(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(nColumn)) != nWidth)
+        SendMessage(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(nColumn), nWidth);
 }
 
 // The files column is as wide as its longest line, so a long path can be read
@@ -243,8 +258,7 @@ void CqvListCtrl::SizeFilesColumn(int nWidest)
     ::GetClientRect(m_hWnd, &client);
     int leftOver = client.right - client.left;
     for (int c = 0; c < COL_FILES; ++c) leftOver -= static_cast<int>(SendMessage(LVM_GETCOLUMNWIDTH, c));
-    int width = std::max(std::max(nWidest, HeaderWidth(COL_FILES)) + kCellMargin, leftOver);
-    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, width);
+    SetColumnWidth(COL_FILES, std::max(std::max(nWidest, HeaderWidth(COL_FILES)) + kCellMargin, leftOver));
 }
 
 // Both columns fitted to the texts the rows hold now: after rows with the

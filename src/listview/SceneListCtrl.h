@@ -107,6 +107,7 @@ private:
     void MeasureRow(int nRow, int& nComment, int& nFiles) const;
     int HeaderWidth(int nColumn) const;
     void SizeCommentColumn(int nWidest);
+    void SetColumnWidth(int nColumn, int nWidth);
     void SizeFilesColumn(int nWidest);
     void WidenColumnsFor(int nRow);
     void ForgetColumnTexts();
@@ -124,6 +125,8 @@ private:
     mutable HDC m_hMeasureDC = nullptr;  // texts are measured here
     void* m_hDrawDib = nullptr;          // thumbnails are drawn through this
     mutable HFONT m_hMeasureFont = nullptr;
+    mutable int m_anCharWidths[128] = {};  // of the plain ASCII characters in that font
+    mutable bool m_bCharWidths = false;
     HBITMAP m_bmpMarkOff = nullptr;  // the check boxes, loaded once per list
     HBITMAP m_bmpMarkOn = nullptr;
     HDC m_hMarkDC = nullptr;           // the check boxes are drawn from here
