@@ -200,8 +200,6 @@ private:
     bool m_bControlsBound = false;
     int m_nNewestRow = -1;          // the row to show once the scenes pause
     int m_bNewestRowPending = 0;    // the list's drawing is held until then
-    DWORD m_dwShownAt = 0;          // when the list was last drawn for new rows
-    DWORD m_dwShowEvery = 0;        // and how long until it is drawn again
     bool m_bTakingNotifications = false;  // scene notifications are being taken
     DWORD m_dwKeysReadAt = 0;       // when the keyboard was last read between them
 };

@@ -10,17 +10,14 @@
 #include "session/FolderRules.h"
 #include "session/Session.h"
 
-#include <algorithm>
-
 int g_nLateSceneMsgs;
 
 namespace {
 
 const int kLateSceneMessageLimit = 10;
 // While scene notifications keep coming, the keyboard is read this often
-// between them, and the list drawn for its new rows at most this often.
+// between them.
 const DWORD kKeyReadMs = 50;
-const DWORD kShowNewestMs = 200;
 
 void ShowCursor(LPCSTR id)
 {
@@ -370,25 +367,17 @@ void CPreScanDlg::OnShowNewestRow()
 {
     if (!m_bNewestRowPending) return;
     m_bNewestRowPending = 0;
-    // Scrolled while the drawing is still held: a list draws itself when it
-    // scrolls, and it is drawn whole once its drawing resumes.
+    m_listScenes.SendMessage(WM_SETREDRAW, TRUE);
+    // Invalidated first: a list that scrolls draws itself at once, and then
+    // does so whole, once.  (A host that keeps feeding keeps a message ahead
+    // of any painting: the rows are drawn by that scroll meanwhile.)
+    m_listScenes.Invalidate(FALSE);
     int rows = m_listScenes.GetRowCount();
     if (m_nNewestRow >= 0 && m_nNewestRow < rows) {
         m_listScenes.SendMessage(WM_VSCROLL, SB_BOTTOM, 0);
         // Not every list honours SB_BOTTOM; the new row is shown either way.
         m_listScenes.SendMessage(LVM_ENSUREVISIBLE, static_cast<WPARAM>(m_nNewestRow), FALSE);
     }
-    m_listScenes.SendMessage(WM_SETREDRAW, TRUE);
-    m_listScenes.Invalidate(FALSE);
-    // A host that keeps feeding keeps a message ahead of any painting, so
-    // the list is drawn here.  A drawing can cost as much as a thousand
-    // scenes: it is done a few times a second at most, and takes no more
-    // than a fifth of the time while scenes keep coming.
-    DWORD start = GetTickCount();
-    if (start - m_dwShownAt < m_dwShowEvery) return;
-    UpdateWindow(m_listScenes.m_hWnd);
-    m_dwShownAt = GetTickCount();
-    m_dwShowEvery = std::max(kShowNewestMs, 4 * (m_dwShownAt - start));
 }
 
 void CPreScanDlg::FlushLateSceneMessages()
