@@ -287,12 +287,13 @@ void CPreScanDlg::OnStatusTimer(UINT_PTR nId)
 // scene, or when scenes keep coming).
 void CPreScanDlg::TakeSceneNotifications()
 {
+    int n = BeginSceneNotifications();
+    if (n == 0) return;
     bool taking = m_bTakingNotifications;
     m_bTakingNotifications = true;
     m_dwKeysReadAt = GetTickCount() - kKeyReadMs;
     int nRow, bBegun;
-    for (int n = BeginSceneNotifications(); n > 0 && IsWindow() && TakeSceneNotification(nRow, bBegun); --n)
-        OnPreScanScene(nRow, bBegun);
+    for (; n > 0 && IsWindow() && TakeSceneNotification(nRow, bBegun); --n) OnPreScanScene(nRow, bBegun);
     m_bTakingNotifications = taking;
     if (IsWindow()) UpdateTitle();
 }
