@@ -60,6 +60,19 @@ void Report(const Row& row)
     std::fflush(stdout);
 }
 
+void ReportPerSceneGrowth(const std::string& what, int n, int nFirst, const Stats& perScene, double perSceneAtFirst)
+{
+    Row row;
+    row.figure = what + " per scene at " + std::to_string(n) + " vs " + std::to_string(nFirst);
+    row.unit = "us/scene";
+    row.value = perScene;
+    row.baseline = "per scene at " + std::to_string(nFirst);
+    row.base = {perSceneAtFirst, perSceneAtFirst, perSceneAtFirst};
+    row.target = "ratio <= 1.3";
+    row.met = perScene.median <= 1.3 * perSceneAtFirst;
+    Report(row);
+}
+
 void Note(const std::string& text)
 {
     std::printf("NOTE\t%s\n", text.c_str());

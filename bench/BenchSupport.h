@@ -46,6 +46,9 @@ struct Row {
     bool met = true;
 };
 void Report(const Row& row);
+// A figure's cost per scene at n scenes against the same at the first size:
+// per-scene costs must stay flat (within 1.3x).
+void ReportPerSceneGrowth(const std::string& what, int n, int nFirst, const Stats& perScene, double perSceneAtFirst);
 // A line of free text under the table (how a figure was taken).
 void Note(const std::string& text);
 

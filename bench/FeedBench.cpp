@@ -10,6 +10,8 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstring>
+#include <map>
 #include <thread>
 
 using namespace bench;
@@ -128,6 +130,27 @@ double FillPlainList(int scenes, bool naive)
     return elapsed;
 }
 
+// The bytes the scenes hold (record, thumbnail header and pixels) written
+// into fresh memory: the least that storing these scenes costs.  The first
+// write to a page costs the system a fault, which on a virtual machine can
+// cost more than a list row.
+double WriteIntoFreshMemory(int scenes)
+{
+    Thumbnail thumb = MakeThumbnail(4);
+    const size_t record = 1140 + 40, pixels = thumb.bits.size(), each = record + pixels;
+    std::vector<uint8_t> recordBytes(record, 1);
+    double t0 = NowSeconds();
+    auto* fresh = static_cast<uint8_t*>(VirtualAlloc(nullptr, scenes * each, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    if (!fresh) return -1;
+    for (int i = 0; i < scenes; ++i) {
+        std::memcpy(fresh + i * each, recordBytes.data(), record);
+        std::memcpy(fresh + i * each + record, thumb.bits.data(), pixels);
+    }
+    double elapsed = NowSeconds() - t0;
+    VirtualFree(fresh, 0, MEM_RELEASE);
+    return elapsed;
+}
+
 // The quick scan: a host thread feeds as fast as it can while this thread
 // pumps until every row is complete.
 struct QuickRun {
@@ -181,8 +204,9 @@ int main(int argc, char** argv)
     StartSession(false);
     double perSceneAtFirst = 0;
     uint64_t bytesPerScene = 0;
+    std::map<int, Stats> normalFeed;  // per scene, the quick scan's baseline
     for (int n : sizes) {
-        std::vector<double> feed, base, naive;
+        std::vector<double> feed, base, naive, fresh;
         for (int r = 0; r < opt.reps; ++r) {
             double s = FeedNormal(n, n == sizes.back() ? &bytesPerScene : nullptr);
             if (s < 0) {
@@ -191,6 +215,7 @@ int main(int argc, char** argv)
             }
             feed.push_back(s / n * 1e6);
             base.push_back(FillPlainList(n, false) / n * 1e6);
+            fresh.push_back(WriteIntoFreshMemory(n) / n * 1e6);
             if (n == sizes.front()) naive.push_back(FillPlainList(kNaiveRows, true) / kNaiveRows * 1e6);
         }
         Row row;
@@ -202,6 +227,12 @@ int main(int argc, char** argv)
         row.target = "ratio <= 1.5";
         row.met = row.value.median <= 1.5 * row.base.median;
         Report(row);
+        normalFeed[n] = row.value;
+        Row touch = row;
+        touch.baseline = "the scenes' bytes written into fresh memory";
+        touch.base = StatsOf(fresh);
+        touch.target.clear();
+        Report(touch);
         if (!naive.empty()) {
             Row slow = row;
             slow.baseline = "plain report list drawn after each row (" + std::to_string(kNaiveRows) + " rows)";
@@ -210,17 +241,7 @@ int main(int argc, char** argv)
             Report(slow);
         }
         if (n == sizes.front()) perSceneAtFirst = row.value.median;
-        if (n != sizes.front()) {
-            Row lin;
-            lin.figure = "Feed cost per scene at " + std::to_string(n) + " vs " + std::to_string(sizes.front());
-            lin.unit = "us/scene";
-            lin.value = row.value;
-            lin.baseline = "per scene at " + std::to_string(sizes.front());
-            lin.base = {perSceneAtFirst, perSceneAtFirst, perSceneAtFirst};
-            lin.target = "ratio <= 1.3";
-            lin.met = row.value.median <= 1.3 * perSceneAtFirst;
-            Report(lin);
-        }
+        else ReportPerSceneGrowth("Feed cost", n, sizes.front(), row.value, perSceneAtFirst);
     }
     {
         Row mem;
@@ -258,27 +279,34 @@ int main(int argc, char** argv)
 
     StartSession(true);
     for (int n : sizes) {
-        std::vector<double> rate, tail;
+        std::vector<double> cost, tail;
         for (int r = 0; r < opt.reps; ++r) {
             QuickRun q = FeedQuick(n);
             if (q.seconds < 0) {
                 std::fprintf(stderr, "quick scan of %d scenes did not complete\n", n);
                 return 1;
             }
-            rate.push_back(n / q.seconds);
+            cost.push_back(q.seconds / n * 1e6);
             tail.push_back(q.tail * 1e3);
         }
         Row row;
         row.figure = "Quick scan from a host thread, " + std::to_string(n) + " scenes";
-        row.unit = "scenes/s";
-        row.value = StatsOf(rate);
-        row.hasBaseline = false;
+        row.unit = "us/scene";
+        row.value = StatsOf(cost);
+        row.baseline = "normal-scan feed of the same scenes";
+        row.base = normalFeed[n];
+        row.target = "ratio <= 1.5";
+        row.met = row.value.median <= 1.5 * row.base.median;
         Report(row);
+        if (n == sizes.front()) perSceneAtFirst = row.value.median;
+        else ReportPerSceneGrowth("Quick scan cost", n, sizes.front(), row.value, perSceneAtFirst);
         Row t;
         t.figure = "Quick scan, last end to last row complete, " + std::to_string(n) + " scenes";
         t.unit = "ms";
         t.value = StatsOf(tail);
         t.hasBaseline = false;
+        t.target = "<= 1000 ms";
+        t.met = t.value.median <= 1000;
         Report(t);
     }
     qvPreScanUnInit();

@@ -190,8 +190,9 @@ QV_CHECK_OFFSET(SceneInfo, adwHostData, 296);
 
 /* ---- Messages the module's dialog understands ------------------------- */
 
-/* Sent or posted to the pre-scan dialog by the scene feed:
- * wParam = the scene's table position, lParam 1 = begun, 0 = completed. */
+/* A scene began or completed, for the pre-scan dialog (the scene feed calls
+ * its handler): wParam = the scene's table position, lParam 1 = begun,
+ * 0 = completed. */
 #define WM_PRESCAN_SCENE 0x0401
 /* The video player's end-of-playback notification (WM_COMMAND id/codes). */
 #define QV_VIDEO_NOTIFY_ID 34438

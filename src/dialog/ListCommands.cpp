@@ -56,7 +56,7 @@ void CPreScanDlg::OnMarkAll()
     }
     m_bCaptureEnabled = m_bAllMarked;
     EnableItem(IDC_CAPTURE, m_bCaptureEnabled);
-    m_listScenes.m_nMarkedCount = m_bAllMarked ? m_nSceneCount : 0;
+    m_listScenes.m_nMarkedCount = m_bAllMarked ? m_nSceneCount.load() : 0;
     m_listScenes.RedrawAllRows();
     SetItemText(IDC_MARK_ALL, qv::LoadResString(text).c_str());
 }

@@ -61,7 +61,7 @@ void CPreScanDlg::BindControls()
     m_btnGoTo.SubclassDlgItem(IDC_GOTO, m_hWnd);
     m_btnDelete.m_hWnd = GetDlgItem(IDC_DELETE_SCENES);
     m_btnClearAll.m_hWnd = GetDlgItem(IDC_CLEAR_ALL);
-    m_listScenes.SubclassDlgItem(IDC_SCENE_LIST, m_hWnd);
+    m_listScenes.SubclassVirtualList(IDC_SCENE_LIST, m_hWnd);
 }
 
 void CPreScanDlg::DataToControls()
@@ -97,6 +97,7 @@ BOOL CPreScanDlg::OnInitDialog()
     CDialog::OnInitDialog();
     m_strDefaultListName = qv::LoadResString(IDS_DEFAULT_LIST_NAME);
     g_csScenes.Create();
+    DropSceneNotifications();  // none of an earlier dialog's
     q32MoveWindow(m_hWnd, -1, 1);
 
     HWND methods = GetDlgItem(IDC_SCAN_METHOD);
@@ -372,7 +373,9 @@ bool CPreScanDlg::OnMessage(UINT msg, WPARAM wp, LPARAM lp, INT_PTR& result)
     switch (msg) {
     case WM_PRESCAN_SCENE:
         result = OnPreScanScene(static_cast<int>(wp), static_cast<int>(lp));
-        TakeUnpostedScenes();
+        return true;
+    case WM_PRESCAN_NOTIFIED:
+        TakeSceneNotifications();
         return true;
     case WM_PRESCAN_CLEAR_INCOMPLETE:
         ClearIncompleteScenes(*this, 0);

@@ -16,6 +16,7 @@
 #include "platform/Dialog.h"
 #include "scenes/SceneStore.h"
 
+#include <atomic>
 #include <string>
 
 class CScanOption;
@@ -148,7 +149,8 @@ public:
     HMENU m_menuPopup = nullptr;
     HWND m_toolTip = nullptr;
     HIMAGELIST m_imageList = nullptr;
-    int m_nSceneCount = 0;
+    // Completed scenes; the scene feed reads it from the host's threads too.
+    std::atomic<int> m_nSceneCount{0};
     CScanOption* m_pScanOptionDlg = nullptr;
     int m_bOpenFileDialog = 1;
     int m_bAllMarked = 0;
@@ -185,7 +187,8 @@ private:
     void CreateToolTips();
     void RelayToolTip(const MSG& msg);
     void FlushLateSceneMessages();
-    void TakeUnpostedScenes();
+    void TakeSceneNotifications();
+    bool KeyReadDue(bool bLate);
     void ShowNewestRow(int nRow);
     void OnShowNewestRow();
     std::string DefaultListPath() const;
@@ -197,4 +200,6 @@ private:
     bool m_bControlsBound = false;
     int m_nNewestRow = -1;          // the row to show once the scenes pause
     int m_bNewestRowPending = 0;    // the list's drawing is held until then
+    bool m_bTakingNotifications = false;  // scene notifications are being taken
+    DWORD m_dwKeysReadAt = 0;       // when the keyboard was last read between them
 };

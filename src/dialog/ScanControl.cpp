@@ -15,6 +15,9 @@ int g_nLateSceneMsgs;
 namespace {
 
 const int kLateSceneMessageLimit = 10;
+// While scene notifications keep coming, the keyboard is read this often
+// between them.
+const DWORD kKeyReadMs = 50;
 
 void ShowCursor(LPCSTR id)
 {
@@ -274,26 +277,41 @@ void CPreScanDlg::OnStatusTimer(UINT_PTR nId)
 {
     if (nId != kStatusTimerId) return;
     UpdateTitle();
-    TakeUnpostedScenes();
+    TakeSceneNotifications();  // in case the message that wakes the dialog was refused
 }
 
-// Scenes whose message the queue refused come here in their order, once no
-// scene message waits ahead of them: after each scene message, and on the
-// status timer, whose message no full queue can refuse.
-void CPreScanDlg::TakeUnpostedScenes()
+// The scene notifications of a quick scan or a host thread, taken in one go:
+// as many as wait when the dialog is woken (those that come meanwhile wake
+// it again), each as a scene message of its own.  The title is refreshed
+// once for them all, and the keyboard read once (and again for each late
+// scene, or when scenes keep coming).
+void CPreScanDlg::TakeSceneNotifications()
 {
-    MSG msg;
+    int n = BeginSceneNotifications();
+    if (n == 0) return;
+    bool taking = m_bTakingNotifications;
+    m_bTakingNotifications = true;
+    m_dwKeysReadAt = GetTickCount() - kKeyReadMs;
     int nRow, bBegun;
-    while (IsWindow() && HasUnpostedScenes() && !PeekMessageA(&msg, m_hWnd, WM_PRESCAN_SCENE, WM_PRESCAN_SCENE, PM_NOREMOVE) &&
-           TakeUnpostedScene(nRow, bBegun))
-        OnPreScanScene(nRow, bBegun);
+    for (; n > 0 && IsWindow() && TakeSceneNotification(nRow, bBegun); --n) OnPreScanScene(nRow, bBegun);
+    m_bTakingNotifications = taking;
+    if (IsWindow()) UpdateTitle();
+}
+
+bool CPreScanDlg::KeyReadDue(bool bLate)
+{
+    DWORD now = GetTickCount();
+    if (m_bTakingNotifications && !bLate && now - m_dwKeysReadAt < kKeyReadMs) return false;
+    m_dwKeysReadAt = now;
+    return true;
 }
 
 int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
 {
     const bool quick = g_session.nQuickScanSpeed > 0;
+    const bool late = !m_bBusy && g_bStopScan;
     bool updateRow = true;
-    if (!m_bBusy && g_bStopScan) {
+    if (late) {
         // The scan has stopped, but scene messages still come.
         if (!quick) {
             updateRow = false;
@@ -307,18 +325,18 @@ int CPreScanDlg::OnPreScanScene(int nRow, int bBegun)
     if (updateRow) {
         m_bLastSceneComplete = bBegun ? 0 : 1;
         if (!g_bDirectCapture) {
-            m_listScenes.SetSceneRow(nRow, nRow, bBegun ? TRUE : FALSE, bBegun ? TRUE : FALSE);
+            m_listScenes.SetSceneRow(nRow, bBegun ? TRUE : FALSE);
             m_listScenes.SelectRange(nRow, FALSE, 0);
             ShowNewestRow(nRow);
         }
         if (m_bLastSceneComplete) ++m_nSceneCount;
     }
     if (m_nSceneCount > 0 && !m_bModified && !g_bDirectCapture) m_bModified = 1;
-    UpdateTitle();
+    if (!m_bTakingNotifications) UpdateTitle();
     if (g_bStopScan) RestoreControlsAfterStop();
 
-    if (!quick) return 1;
-    // Scene messages may queue up behind the keyboard: one key is read here,
+    if (!quick || !KeyReadDue(late)) return 1;
+    // Scene messages may keep the keyboard waiting: one key is read here,
     // past the dialog's own key handling.  Only Escape pressed down stops the
     // scan; any other key taken out is dropped (a letter must not reach the
     // list, a second Escape must not close the dialog).
@@ -351,13 +369,16 @@ void CPreScanDlg::OnShowNewestRow()
     if (!m_bNewestRowPending) return;
     m_bNewestRowPending = 0;
     m_listScenes.SendMessage(WM_SETREDRAW, TRUE);
+    // Invalidated first: a list that scrolls draws itself at once, and then
+    // does so whole, once.  (A host that keeps feeding keeps a message ahead
+    // of any painting: the rows are drawn by that scroll meanwhile.)
+    m_listScenes.Invalidate(FALSE);
     int rows = m_listScenes.GetRowCount();
     if (m_nNewestRow >= 0 && m_nNewestRow < rows) {
         m_listScenes.SendMessage(WM_VSCROLL, SB_BOTTOM, 0);
         // Not every list honours SB_BOTTOM; the new row is shown either way.
         m_listScenes.SendMessage(LVM_ENSUREVISIBLE, static_cast<WPARAM>(m_nNewestRow), FALSE);
     }
-    m_listScenes.Invalidate(FALSE);
 }
 
 void CPreScanDlg::FlushLateSceneMessages()
@@ -368,7 +389,7 @@ void CPreScanDlg::FlushLateSceneMessages()
     MSG msg;
     while (CDialog::TakeMessage(&msg, WM_USER, WM_PRESCAN_SCENE)) {
     }
-    DropUnpostedScenes();
+    DropSceneNotifications();
     if (g_bStopScan) {
         ClearIncompleteScenes(*this, 1);
         RestoreControlsAfterStop();

@@ -10,6 +10,8 @@
 #include "scenes/TimeCode.h"
 #include "session/Session.h"
 
+#include <map>
+
 namespace {
 
 // The last position and state the title showed: a timer tick that finds
@@ -28,6 +30,19 @@ UINT StateText(int state)
     case PS_SCAN_CAPTURE: return IDS_STATE_SCAN_CAPTURE;
     default: return 0;
     }
+}
+
+// The title's words for a state, loaded once from the resource library in
+// use: a scan refreshes the title for every scene.
+const std::string& StateTitle(UINT stateText)
+{
+    static HINSTANCE loadedFrom;
+    static std::map<UINT, std::string> texts;
+    if (loadedFrom != g_hResInst) texts.clear(), loadedFrom = g_hResInst;
+    auto found = texts.find(stateText);
+    if (found == texts.end())
+        found = texts.emplace(stateText, " -- " + qv::LoadResString(stateText) + qv::LoadResString(IDS_STATE_CLOSING)).first;
+    return found->second;
 }
 
 const int kAllButtons[] = {IDC_VIEW_MODE,  IDC_CAPTURE,       IDC_PREVIEW,   IDC_GOTO,
@@ -54,7 +69,7 @@ void CPreScanDlg::UpdateTitle()
         }
     }
     if (stateText) {
-        title += " -- " + qv::LoadResString(stateText) + qv::LoadResString(IDS_STATE_CLOSING);
+        title += StateTitle(stateText);
     } else {
         title += " - ";
         title += g_session.szSceneListFile;

@@ -5,6 +5,7 @@
 
 #include "ResourceIds.h"
 #include "listview/SceneListOwner.h"
+#include "platform/BoundedCopy.h"
 #include "platform/ResourceLib.h"
 #include "scenes/SceneStore.h"
 #include "session/Session.h"
@@ -33,6 +34,17 @@ bool CqvListCtrl::OnParentNotify(NMHDR* pHdr, LRESULT& result)
 {
     if (!pHdr || pHdr->hwndFrom != m_hWnd) return false;
     switch (pHdr->code) {
+    case LVN_GETDISPINFOA: {
+        // The list holds no texts: each is read from the row's scene.
+        LVITEMA& item = reinterpret_cast<NMLVDISPINFOA*>(pHdr)->item;
+        if ((item.mask & LVIF_TEXT) && item.pszText && item.cchTextMax > 0)
+            qv::CopyBounded(item.pszText, static_cast<size_t>(item.cchTextMax), GetCellText(item.iItem, item.iSubItem).c_str());
+        result = 0;
+        return true;
+    }
+    case LVN_ODFINDITEMA:
+        result = -1;  // typed letters find no row: the first column has no text
+        return true;
     case NM_CUSTOMDRAW:
         result = OnCustomDraw(reinterpret_cast<NMLVCUSTOMDRAW*>(pHdr));
         return true;

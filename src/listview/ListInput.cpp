@@ -164,7 +164,7 @@ LRESULT CqvListCtrl::OnEndLabelEdit(NMLVDISPINFOA* pInfo)
     int row = pInfo->item.iItem;
     if (pInfo->item.pszText && m_pOwner) {
         m_pOwner->SetSceneComment(row, pInfo->item.pszText);
-        RefreshCommentAndFiles(row, row, TRUE, FALSE);
+        RefreshCommentAndFiles(row, TRUE, FALSE);
         RedrawAllRows();
     }
     delete editor;

@@ -51,15 +51,21 @@ RowTexts MakeRowTexts(SceneRecord& scene, bool bOpenEnded, const RowTextSources&
     char comment[QV_COMMENT_SIZE];
     CopyField(comment, scene.szComment);
     t.comment = comment;
+    t.files = MakeFilesText(scene, src);
+    return t;
+}
 
+std::string MakeFilesText(SceneRecord& scene, const RowTextSources& src)
+{
     scene.szCaptureFile[sizeof scene.szCaptureFile - 1] = 0;
     scene.szSceneFile[sizeof scene.szSceneFile - 1] = 0;
     bool captured = HasExtension(scene.szCaptureFile);
     bool scanned = HasExtension(scene.szSceneFile);
-    if (captured) t.files = std::string(src.pszCapturedPrefix) + scene.szCaptureFile;
-    if (captured && scanned) t.files += "\r\n";
-    if (scanned) t.files += std::string(src.pszScenePrefix) + scene.szSceneFile;
-    return t;
+    std::string files;
+    if (captured) files = std::string(src.pszCapturedPrefix) + scene.szCaptureFile;
+    if (captured && scanned) files += "\r\n";
+    if (scanned) files += std::string(src.pszScenePrefix) + scene.szSceneFile;
+    return files;
 }
 
 } // namespace qv

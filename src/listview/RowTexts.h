@@ -31,4 +31,8 @@ RowTexts MakeRowTexts(SceneRecord& scene, bool bOpenEnded, const RowTextSources&
 // Column 2's text alone: the out time (compact view) or the times block.
 std::string MakeOutText(const SceneRecord& scene, bool bOpenEnded, const RowTextSources& src);
 
+// Column 5's text alone: the captured file and the file written while
+// scanning, each when it has an extension (trimmed in the record).
+std::string MakeFilesText(SceneRecord& scene, const RowTextSources& src);
+
 } // namespace qv

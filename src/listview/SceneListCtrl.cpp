@@ -4,6 +4,7 @@
 #include "listview/CommentEdit.h"
 #include "listview/RowTexts.h"
 #include "listview/SceneListOwner.h"
+#include "platform/BoundedCopy.h"
 #include "platform/ResourceLib.h"
 #include "scenes/SceneStore.h"
 #include "session/Session.h"
@@ -20,6 +21,7 @@ int g_bRebuildingList;
 namespace {
 
 const int kCommentColumnCap = 160;
+const int kCellMargin = 12;  // the list's space around a cell's text
 enum { COL_MARK, COL_THUMB_OR_IN, COL_TIMES_OR_OUT, COL_DATE, COL_COMMENT, COL_FILES, COLUMN_COUNT };
 
 qv::RowTextSources TextSources(bool bThumbnails)
@@ -61,6 +63,28 @@ CqvListCtrl::~CqvListCtrl()
     g_bCommentColumnCapped = 0;
 }
 
+// The list rows are virtual: a list that kept each row's texts would cost a
+// row built per scene for every scene that arrives or is read from a file.
+// The template's list is made again with the same styles, place, font and
+// ID, the owner-data style added (which a list takes only when it is made).
+bool CqvListCtrl::SubclassVirtualList(UINT nId, HWND hDialog)
+{
+    HWND old = ::GetDlgItem(hDialog, static_cast<int>(nId));
+    if (!old) return false;
+    RECT rc;
+    ::GetWindowRect(old, &rc);
+    MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT*>(&rc), 2);
+    HWND list = CreateWindowExA(static_cast<DWORD>(GetWindowLongA(old, GWL_EXSTYLE)), WC_LISTVIEWA, "",
+                                static_cast<DWORD>(GetWindowLongA(old, GWL_STYLE)) | LVS_OWNERDATA, rc.left, rc.top,
+                                rc.right - rc.left, rc.bottom - rc.top, hDialog,
+                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(nId)), g_hModule, nullptr);
+    if (!list) return false;
+    ::SendMessageA(list, WM_SETFONT, ::SendMessageA(old, WM_GETFONT, 0, 0), FALSE);
+    SetWindowPos(list, old, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);  // its place in the tab order
+    ::DestroyWindow(old);
+    return SubclassWindow(list);
+}
+
 int CqvListCtrl::DialogState() const
 {
     return m_pOwner ? m_pOwner->GetState() : 0;
@@ -77,15 +101,27 @@ int CqvListCtrl::GetColumnCount() const
     return header ? static_cast<int>(::SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
 }
 
+// A row shows its scene as begun and not ended until the scene's end is in
+// the table and the dialog has counted it.
+bool CqvListCtrl::IsOpenEnded(int nRow, const SceneRecord& scene) const
+{
+    return scene.dwTimeCodeOut == 0 || (m_pOwner && nRow >= m_pOwner->GetSceneCount());
+}
+
 std::string CqvListCtrl::GetCellText(int nRow, int nColumn) const
 {
-    char text[1024] = "";
-    LVITEMA item = {};
-    item.iSubItem = nColumn;
-    item.pszText = text;
-    item.cchTextMax = sizeof text;
-    SendMessage(LVM_GETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
-    return text;
+    if (nColumn <= COL_MARK || nColumn >= COLUMN_COUNT || (m_bShowThumbnails && nColumn == COL_THUMB_OR_IN)) return "";
+    qv::SceneLockGuard lock(g_csScenes);
+    SceneRecord* scene = g_arScenes.GetAtOrNull(nRow);
+    if (!scene) return "";
+    qv::RowTexts t = MakeRowTexts(*scene, IsOpenEnded(nRow, *scene), TextSources(m_bShowThumbnails != FALSE));
+    switch (nColumn) {
+    case COL_THUMB_OR_IN: return t.in;
+    case COL_TIMES_OR_OUT: return m_bShowThumbnails ? t.times : t.out;
+    case COL_DATE: return t.date;
+    case COL_COMMENT: return t.comment;
+    default: return t.files;
+    }
 }
 
 void CqvListCtrl::DeleteRow(int nRow)
@@ -93,10 +129,10 @@ void CqvListCtrl::DeleteRow(int nRow)
     // When the row held the widest comment or file name, the columns are
     // fitted to what is left once the command that deletes rows has ended:
     // a command deleting many rows then fits them once.
-    bool widest = LineWidth(GetCellText(nRow, COL_COMMENT)) >= m_nWidestComment ||
-                  LineWidth(GetCellText(nRow, COL_FILES)) >= m_nWidestFiles;
+    if (nRow == m_nWidestCommentRow || nRow == m_nWidestFilesRow) PostFit();
+    if (nRow < m_nWidestCommentRow) --m_nWidestCommentRow;
+    if (nRow < m_nWidestFilesRow) --m_nWidestFilesRow;
     SendMessage(LVM_DELETEITEM, static_cast<WPARAM>(nRow));
-    if (widest && !m_bFitPosted && m_hWnd) m_bFitPosted = ::PostMessageA(m_hWnd, WM_QV_FIT_COLUMNS, 0, 0) != FALSE;
 }
 
 void CqvListCtrl::DeleteAllRows()
@@ -105,9 +141,22 @@ void CqvListCtrl::DeleteAllRows()
     ForgetColumnTexts();
 }
 
+void CqvListCtrl::SetRowCount(int nRows)
+{
+    SendMessage(LVM_SETITEMCOUNT, static_cast<WPARAM>(nRows), LVSICF_NOSCROLL);
+    FitColumns(true);
+}
+
+void CqvListCtrl::PostFit()
+{
+    if (!m_bFitPosted && m_hWnd) m_bFitPosted = ::PostMessageA(m_hWnd, WM_QV_FIT_COLUMNS, 0, 0) != FALSE;
+}
+
 // The width of a text in the list's font, as the list itself measures it.
-// Every new row is measured: a drawing context of the list's own would cost
-// a call to the window system per text, so one memory context is kept.
+// Every new row is measured, and every row when a file is opened: a drawing
+// context of the list's own would cost a call to the window system per text,
+// so one memory context is kept, and a text of plain ASCII characters is
+// measured from the font's character widths, read once.
 int CqvListCtrl::StringWidth(const char* text) const
 {
     if (!text || !text[0]) return 0;
@@ -118,18 +167,15 @@ int CqvListCtrl::StringWidth(const char* text) const
     if (font != m_hMeasureFont) {
         SelectObject(m_hMeasureDC, font);
         m_hMeasureFont = font;
+        m_bCharWidths = GetCharWidth32A(m_hMeasureDC, 0, 127, m_anCharWidths) != FALSE;
     }
+    int width = 0;
+    const char* p = text;
+    for (; m_bCharWidths && *p && static_cast<unsigned char>(*p) < 128; ++p) width += m_anCharWidths[static_cast<unsigned char>(*p)];
+    if (!*p) return width;
     SIZE size = {0, 0};
     GetTextExtentPoint32A(m_hMeasureDC, text, static_cast<int>(std::strlen(text)), &size);
     return static_cast<int>(size.cx);
-}
-
-void CqvListCtrl::SetCellText(int nRow, int nColumn, const std::string& text)
-{
-    LVITEMA item = {};
-    item.iSubItem = nColumn;
-    item.pszText = const_cast<char*>(text.c_str());
-    SendMessage(LVM_SETITEMTEXTA, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
 }
 
 // The width of a cell text's longest line (a captured file's cell has two).
@@ -148,6 +194,37 @@ int CqvListCtrl::LineWidth(const std::string& text) const
     return widest;
 }
 
+// The widths of a row's comment and files texts, -1 for a row without a scene.
+void CqvListCtrl::MeasureRow(int nRow, int& nComment, int& nFiles) const
+{
+    std::string comment, files;
+    {
+        qv::SceneLockGuard lock(g_csScenes);
+        SceneRecord* scene = g_arScenes.GetAtOrNull(nRow);
+        if (!scene) {
+            nComment = nFiles = -1;
+            return;
+        }
+        char text[QV_COMMENT_SIZE];
+        qv::CopyField(text, scene->szComment);
+        comment = text;
+        files = qv::MakeFilesText(*scene, TextSources(m_bShowThumbnails != FALSE));
+    }
+    nComment = LineWidth(comment);
+    nFiles = LineWidth(files);
+}
+
+int CqvListCtrl::HeaderWidth(int nColumn) const
+{
+    char header[256] = "";
+    LVCOLUMNA column = {};
+    column.mask = LVCF_TEXT;
+    column.pszText = header;
+    column.cchTextMax = sizeof header;
+    SendMessage(LVM_GETCOLUMNA, static_cast<WPARAM>(nColumn), reinterpret_cast<LPARAM>(&column));
+    return StringWidth(header);
+}
+
 // The comment column fits its texts until a comment wider than 160 pixels
 // comes: it is then set to 160 once, and from there on keeps whatever width
 // it has, also one the user gave it.  Sizing to the texts never makes a
@@ -156,12 +233,20 @@ int CqvListCtrl::LineWidth(const std::string& text) const
 void CqvListCtrl::SizeCommentColumn(int nWidest)
 {
     if (g_bCommentColumnCapped) return;
-    if (nWidest > kCommentColumnCap) {
-        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, kCommentColumnCap);
+    int width = kCommentColumnCap;
+    if (nWidest > kCommentColumnCap)
         g_bCommentColumnCapped = 1;
-    } else {
-        SendMessage(LVM_SETCOLUMNWIDTH, COL_COMMENT, LVSCW_AUTOSIZE_USEHEADER);
-    }
+    else
+        width = std::max(nWidest, HeaderWidth(COL_COMMENT)) + kCellMargin;
+    SetColumnWidth(COL_COMMENT, width);
+}
+
+// A column is resized only to a new width: each resize moves the columns to
+// its right and the scroll bar, at the cost of a call to the window system.
+void CqvListCtrl::SetColumnWidth(int nColumn, int nWidth)
+{
+    if (SendMessage(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(nColumn)) != nWidth)
+        SendMessage(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(nColumn), nWidth);
 }
 
 // The files column is as wide as its longest line, so a long path can be read
@@ -173,68 +258,26 @@ void CqvListCtrl::SizeFilesColumn(int nWidest)
     ::GetClientRect(m_hWnd, &client);
     int leftOver = client.right - client.left;
     for (int c = 0; c < COL_FILES; ++c) leftOver -= static_cast<int>(SendMessage(LVM_GETCOLUMNWIDTH, c));
-    char header[256] = "";
-    LVCOLUMNA column = {};
-    column.mask = LVCF_TEXT;
-    column.pszText = header;
-    column.cchTextMax = sizeof header;
-    SendMessage(LVM_GETCOLUMNA, COL_FILES, reinterpret_cast<LPARAM>(&column));
-    const int kCellMargin = 12;  // the list's space around a cell's text
-    int width = std::max(std::max(nWidest, StringWidth(header)) + kCellMargin, leftOver);
-    SendMessage(LVM_SETCOLUMNWIDTH, COL_FILES, width);
+    SetColumnWidth(COL_FILES, std::max(std::max(nWidest, HeaderWidth(COL_FILES)) + kCellMargin, leftOver));
 }
 
 // Both columns fitted to the texts the rows hold now: after rows with the
-// widest texts went, they may narrow, and a comment column that no longer
-// needs its cap fits its texts again.
-void CqvListCtrl::FitColumns()
+// widest texts changed or went, they may narrow, and a comment column that
+// no longer needs its cap fits its texts again.  Rebuilt rows (bAfresh)
+// decide the cap afresh.
+void CqvListCtrl::FitColumns(bool bAfresh)
 {
     m_bFitPosted = false;
-    int comment = 0, files = 0;
+    ForgetColumnTexts();
     for (int row = 0, rows = GetRowCount(); row < rows; ++row) {
-        comment = std::max(comment, LineWidth(GetCellText(row, COL_COMMENT)));
-        files = std::max(files, LineWidth(GetCellText(row, COL_FILES)));
+        int comment, files;
+        MeasureRow(row, comment, files);
+        if (comment > m_nWidestComment) m_nWidestComment = comment, m_nWidestCommentRow = row;
+        if (files > m_nWidestFiles) m_nWidestFiles = files, m_nWidestFilesRow = row;
     }
-    m_nWidestComment = comment;
-    m_nWidestFiles = files;
-    if (comment <= kCommentColumnCap) g_bCommentColumnCapped = 0;
-    SizeCommentColumn(comment);
-    SizeFilesColumn(files);
-}
-
-int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded)
-{
-    if (SceneTableSize() == 0) return 0;
-    SceneRecord* scene = FetchScene(nScene);
-    if (!scene) return 0;
-    qv::RowTexts texts = MakeRowTexts(*scene, bOpenEnded != FALSE, TextSources(m_bShowThumbnails != FALSE));
-
-    int result = 1;
-    if (bInsert) {
-        LVITEMA item = {};
-        item.mask = LVIF_TEXT | LVIF_STATE;
-        item.iItem = nRow;
-        item.pszText = const_cast<char*>("");
-        // A scene coming in is selected as it is added; rows rebuilt in bulk
-        // are not, the selection is set once they are all there.
-        item.stateMask = LVIS_SELECTED;
-        item.state = m_bBulkRows ? 0 : LVIS_SELECTED;
-        result = static_cast<int>(SendMessage(LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
-        if (result < 0) return -1;
-        nRow = result;
-        if (!m_bBulkRows) m_nInsertedRow = nRow;  // inserted selected
-    }
-    if (m_bShowThumbnails) {
-        SetCellText(nRow, COL_TIMES_OR_OUT, texts.times);
-    } else {
-        SetCellText(nRow, COL_THUMB_OR_IN, texts.in);
-        SetCellText(nRow, COL_TIMES_OR_OUT, texts.out);
-    }
-    SetCellText(nRow, COL_DATE, texts.date);
-    SetCellText(nRow, COL_COMMENT, texts.comment);
-    SetCellText(nRow, COL_FILES, texts.files);
-    WidenColumnsFor(texts.comment, texts.files);
-    return result;
+    if (bAfresh || m_nWidestComment <= kCommentColumnCap) g_bCommentColumnCapped = 0;
+    SizeCommentColumn(std::max(m_nWidestComment, 0));
+    SizeFilesColumn(std::max(m_nWidestFiles, 0));
 }
 
 // The comment and files columns fit the widest text they hold.  Sizing a
@@ -242,42 +285,46 @@ int CqvListCtrl::SetSceneRow(int nRow, int nScene, BOOL bInsert, BOOL bOpenEnded
 // a text wider than any seen since the rows were last rebuilt: a long scan
 // then costs the same per scene at its end as at its start.  Columns widen
 // and never narrow while rows come in; deleting the row with the widest
-// text, a rebuild (view switch, opened file) and an edited comment or file
-// name fit them to the texts again.
-void CqvListCtrl::WidenColumnsFor(const std::string& comment, const std::string& files)
+// text, a rebuild (view switch, opened file) and a changed comment or file
+// name in that row fit them to the texts again.
+void CqvListCtrl::WidenColumnsFor(int nRow)
 {
-    int commentWidth = LineWidth(comment);
-    int filesWidth = LineWidth(files);
-    bool widerComment = commentWidth > m_nWidestComment, widerFiles = filesWidth > m_nWidestFiles;
-    m_nWidestComment = std::max(m_nWidestComment, commentWidth);
-    m_nWidestFiles = std::max(m_nWidestFiles, filesWidth);
-    if (m_bBulkRows) return;  // sized once when the rebuild ends
-    if (widerComment) SizeCommentColumn(m_nWidestComment);
-    if (widerFiles) SizeFilesColumn(m_nWidestFiles);
+    int comment, files;
+    MeasureRow(nRow, comment, files);
+    if (comment > m_nWidestComment) {
+        m_nWidestComment = comment;
+        m_nWidestCommentRow = nRow;
+        SizeCommentColumn(comment);
+    }
+    if (files > m_nWidestFiles) {
+        m_nWidestFiles = files;
+        m_nWidestFilesRow = nRow;
+        SizeFilesColumn(files);
+    }
 }
 
 void CqvListCtrl::ForgetColumnTexts()
 {
-    m_nWidestComment = -1;
-    m_nWidestFiles = -1;
+    m_nWidestComment = m_nWidestFiles = -1;
+    m_nWidestCommentRow = m_nWidestFilesRow = -1;
 }
 
-void CqvListCtrl::BeginBulkRows()
+// A row begins (bInsert: rows from nRow down move one down with their
+// scenes) or its scene changed; the list draws it from the scene again.
+void CqvListCtrl::SetSceneRow(int nRow, BOOL bInsert)
 {
-    m_bBulkRows = true;
-    ForgetColumnTexts();
-    SendMessage(WM_SETREDRAW, FALSE);
-}
-
-void CqvListCtrl::EndBulkRows()
-{
-    if (!m_bBulkRows) return;
-    m_bBulkRows = false;
-    g_bCommentColumnCapped = 0;  // rebuilt rows: the cap is decided afresh
-    SizeCommentColumn(m_nWidestComment);
-    SizeFilesColumn(std::max(m_nWidestFiles, 0));
-    SendMessage(WM_SETREDRAW, TRUE);
-    Invalidate(TRUE);
+    if (nRow < 0 || !FetchScene(nRow)) return;
+    if (bInsert) {
+        int rows = GetRowCount();
+        if (nRow <= m_nWidestCommentRow) ++m_nWidestCommentRow;
+        if (nRow <= m_nWidestFilesRow) ++m_nWidestFilesRow;
+        // A row added at the end leaves the rows above it as they are drawn.
+        SendMessage(LVM_SETITEMCOUNT, static_cast<WPARAM>(std::max(rows, nRow) + 1),
+                    nRow < rows ? LVSICF_NOSCROLL : LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
+    } else {
+        SendMessage(LVM_REDRAWITEMS, static_cast<WPARAM>(nRow), nRow);
+    }
+    WidenColumnsFor(nRow);
 }
 
 void CqvListCtrl::UpdateOutTimes(int nFirstRow)
@@ -285,43 +332,28 @@ void CqvListCtrl::UpdateOutTimes(int nFirstRow)
     if (DialogState() != 0) return;
     int nTable = SceneTableSize();
     if (nTable == 0 || nFirstRow < 0 || nFirstRow >= GetRowCount()) return;
-    qv::RowTextSources src = TextSources(m_bShowThumbnails != FALSE);
     for (int i = nFirstRow; i < nTable; ++i) {
         SceneRecord* scene = FetchScene(i);
         if (!scene) break;
-        SceneRecord* next = i + 1 < nTable ? FetchScene(i + 1) : nullptr;
-        if (scene->dwTimeCodeOut == 0) {
-            // A scene whose end never came ends where the next one begins.
-            if (next && next->dwTimeCodeIn >= scene->dwTimeCodeIn)
-                scene->dwTimeCodeOut = next->dwTimeCodeIn;
-            else
-                scene->dwTimeCodeOut = scene->dwTimeCodeIn;
-        }
-        SetCellText(i, COL_TIMES_OR_OUT, MakeOutText(*scene, false, src));
+        if (scene->dwTimeCodeOut != 0) continue;
+        // A scene whose end never came ends where the next one begins.
+        SceneRecord* next = FetchScene(i + 1);
+        scene->dwTimeCodeOut = next && next->dwTimeCodeIn >= scene->dwTimeCodeIn ? next->dwTimeCodeIn : scene->dwTimeCodeIn;
     }
+    RedrawAllRows();
 }
 
-void CqvListCtrl::RefreshCommentAndFiles(int nRow, int nScene, BOOL bComment, BOOL bFiles)
+void CqvListCtrl::RefreshCommentAndFiles(int nRow, BOOL bComment, BOOL bFiles)
 {
     // A comment or a captured file shows also in a list without thumbnails.
-    if (!m_pOwner || m_pOwner->GetSceneCount() < 1 || SceneTableSize() == 0) return;
-    SceneRecord* scene = FetchScene(nScene);
-    if (!scene) return;
-    qv::RowTexts texts = MakeRowTexts(*scene, false, TextSources(m_bShowThumbnails != FALSE));
+    if (!m_pOwner || m_pOwner->GetSceneCount() < 1 || !FetchScene(nRow)) return;
+    SendMessage(LVM_REDRAWITEMS, static_cast<WPARAM>(nRow), nRow);
     // The row's old text may have been the widest: the columns are fitted
     // to every row then, else they only widen for the new text.
-    if (bComment) {
-        bool wasWidest = LineWidth(GetCellText(nRow, COL_COMMENT)) >= m_nWidestComment;
-        SetCellText(nRow, COL_COMMENT, texts.comment);
-        if (wasWidest) FitColumns();
-        else WidenColumnsFor(texts.comment, "");
-    }
-    if (bFiles) {
-        bool wasWidest = LineWidth(GetCellText(nRow, COL_FILES)) >= m_nWidestFiles;
-        SetCellText(nRow, COL_FILES, texts.files);
-        if (wasWidest) FitColumns();
-        else WidenColumnsFor("", texts.files);
-    }
+    if ((bComment && nRow == m_nWidestCommentRow) || (bFiles && nRow == m_nWidestFilesRow))
+        FitColumns();
+    else
+        WidenColumnsFor(nRow);
 }
 
 BOOL CqvListCtrl::GetSelRange(int& nFirst, int& nLast) const
@@ -331,28 +363,42 @@ BOOL CqvListCtrl::GetSelRange(int& nFirst, int& nLast) const
     return m_bRangeSelected;
 }
 
-// Clearing the state of every row costs as much as the list is long, and a
-// scan selects each new scene: so the rows this list itself selected (its
-// range and the newest inserted row) and the focused row are cleared one by
-// one, and every row is visited only when some other row is still selected
-// (the list control's own click and key handling selects rows too).
+// Sets or clears states of one row, telling the list of changes only: each
+// costs a notification to the dialog.
+void CqvListCtrl::SetRowState(int nRow, UINT nState, UINT nMask)
+{
+    UINT now = static_cast<UINT>(SendMessage(LVM_GETITEMSTATE, static_cast<WPARAM>(nRow), nMask));
+    if ((now & nMask) == (nState & nMask)) return;
+    LVITEMA item = {};
+    item.stateMask = nMask;
+    item.state = nState;
+    SendMessage(LVM_SETITEMSTATE, static_cast<WPARAM>(nRow), reinterpret_cast<LPARAM>(&item));
+}
+
 void CqvListCtrl::ClearSelection()
 {
-    LVITEMA item = {};
-    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED | LVIS_DROPHILITED;
-    item.state = 0;
-    auto clear = [&](int row) { SendMessage(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item)); };
+    DeselectOutside(0, -1);
+}
+
+// Clearing the state of every row costs as much as the list is long, and a
+// scan selects each new scene: so the rows this list itself selected (its
+// range) and the focused row are cleared one by one, and every row is
+// visited only when some other row is still selected (the list control's own
+// click and key handling selects rows too).  Rows from nFirst to nLast keep
+// their selection.
+void CqvListCtrl::DeselectOutside(int nFirst, int nLast)
+{
+    auto clear = [&](int row) {
+        bool inside = row >= nFirst && row <= nLast;
+        SetRowState(row, 0, LVIS_FOCUSED | LVIS_DROPHILITED | (inside ? 0 : LVIS_SELECTED));
+    };
     int rows = GetRowCount();
-    int first = std::max(0, std::min(m_nAnchorRow, m_nCurrentRow));
-    int last = std::min(rows - 1, std::max(m_nAnchorRow, m_nCurrentRow));
-    for (int r = first; r <= last; ++r) clear(r);
-    if (m_nInsertedRow >= 0 && m_nInsertedRow < rows) clear(m_nInsertedRow);
-    m_nInsertedRow = -1;
+    for (int r = std::max(0, std::min(m_nAnchorRow, m_nCurrentRow)); r <= std::min(rows - 1, std::max(m_nAnchorRow, m_nCurrentRow)); ++r)
+        clear(r);
     int focused = static_cast<int>(SendMessage(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
     if (focused >= 0) clear(focused);
-    if (SendMessage(LVM_GETSELECTEDCOUNT) == 0) return;
-    // Others are still selected: they are found and cleared one by one, so
-    // that unselected rows are only looked at, never updated.
+    int inside = std::max(0, std::min(nLast, rows - 1) - std::max(nFirst, 0) + 1);
+    if (SendMessage(LVM_GETSELECTEDCOUNT) <= inside) return;
     for (int r = -1; (r = static_cast<int>(SendMessage(LVM_GETNEXTITEM, static_cast<WPARAM>(r), LVNI_SELECTED))) >= 0;)
         clear(r);
 }
@@ -361,11 +407,9 @@ void CqvListCtrl::SelectRange(int nFrom, BOOL bRange, int nTo)
 {
     int nEnd = bRange ? nTo : nFrom;
     bool range = bRange && nEnd != nFrom;
-    ClearSelection();
-    LVITEMA item = {};
-    item.stateMask = item.state = LVIS_SELECTED;
-    for (int r = std::min(nFrom, nEnd); r <= std::max(nFrom, nEnd); ++r)
-        SendMessage(LVM_SETITEMSTATE, static_cast<WPARAM>(r), reinterpret_cast<LPARAM>(&item));
+    int first = std::min(nFrom, nEnd), last = std::max(nFrom, nEnd);
+    for (int r = first; r <= last; ++r) SetRowState(r, LVIS_SELECTED, LVIS_SELECTED);
+    DeselectOutside(first, last);
     m_nAnchorRow = nFrom;
     m_nCurrentRow = nEnd;
     if (m_pOwner && DialogState() == 0) m_pOwner->SetPlayEnabled(range ? FALSE : TRUE);

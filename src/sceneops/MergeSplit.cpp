@@ -79,7 +79,7 @@ void CPreScanDlg::MergeScenes()
 
     target->bMerged = 1;
     target->dwTimeCodeOut = lastScene->dwTimeCodeOut;
-    m_listScenes.SetSceneRow(first, first, FALSE, FALSE);
+    m_listScenes.SetSceneRow(first, FALSE);
     for (int k = 1; k < n; ++k) {
         int row = last - k + 1;
         m_listScenes.DeleteRow(row);
@@ -132,7 +132,7 @@ void CPreScanDlg::SplitScene()
             group->arRecords.SetAt(0, nullptr);
         }
         qv::FreeBlock(merged);
-        m_listScenes.SetSceneRow(first, first, FALSE, FALSE);
+        m_listScenes.SetSceneRow(first, FALSE);
         if (original->bMarked == 1) ++marks;
         int restored = 1;
         for (int j = 1; j < group->nCount && j < group->arRecords.GetSize(); ++j) {
@@ -158,7 +158,7 @@ void CPreScanDlg::SplitScene()
                 int headerAt = first + j <= g_arThumbHeaders.GetSize() ? first + j : g_arThumbHeaders.GetSize();
                 if (model) g_arThumbHeaders.InsertAt(headerAt, header);
             }
-            m_listScenes.SetSceneRow(first + j, first + j, TRUE, FALSE);
+            m_listScenes.SetSceneRow(first + j, TRUE);
             if (copy->bMarked == 1) ++marks;
             if (copy->bMerged == 1) ++nested;
             ++restored;

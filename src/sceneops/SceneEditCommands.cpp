@@ -31,8 +31,8 @@ void CPreScanDlg::UpdateCapturedScene(int nScene)
 {
     if (nScene < 0 || nScene >= m_nSceneCount) return;
     // While scanning with capture, rows appear as their files are reported.
-    if (g_bDirectCapture) m_listScenes.SetSceneRow(nScene, nScene, TRUE, FALSE);
-    m_listScenes.RefreshCommentAndFiles(nScene, nScene, FALSE, TRUE);
+    if (g_bDirectCapture) m_listScenes.SetSceneRow(nScene, TRUE);
+    m_listScenes.RefreshCommentAndFiles(nScene, FALSE, TRUE);
     m_listScenes.SelectRange(nScene, FALSE, 0);
     m_listScenes.RedrawAllRows();
     if (m_nSceneCount >= 1 && !m_bModified) {

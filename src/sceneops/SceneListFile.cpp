@@ -64,7 +64,6 @@ public:
         // The scene count follows the records actually stored, so a file
         // that ends early leaves a consistent list.
         m_dlg.m_nSceneCount = nIndex + 1;
-        m_dlg.m_listScenes.SetSceneRow(nIndex, nIndex, TRUE, FALSE);
         return true;
     }
     int version = 0;
@@ -155,11 +154,11 @@ bool CPreScanDlg::ReadSceneListFile()
     qv::File file;
     if (!file.OpenRead(g_session.szSceneListFile)) return false;
     StoreSink sink(*this);
-    m_listScenes.BeginBulkRows();
     qv::ReadResult result = qv::ReadSceneList(file, g_session.nTvStandard, sink);
-    m_listScenes.EndBulkRows();
     file.Close();
     if (result.status == qv::ReadStatus::NoHeader) return false;
+    // The rows come all at once, drawn from the scenes read.
+    m_listScenes.SetRowCount(m_nSceneCount);
     m_listScenes.RedrawAllRows();
     m_listScenes.SelectRange(0, FALSE, 0);
     if (result.status != qv::ReadStatus::Complete) return true;  // the settings stay, the file is not rewritten

@@ -50,9 +50,7 @@ void CPreScanDlg::ToggleViewMode()
     g_bRebuildingList = 0;
 
     if (m_nSceneCount != 0) {
-        m_listScenes.BeginBulkRows();
-        for (int i = 0; i < m_nSceneCount; ++i) m_listScenes.SetSceneRow(i, i, TRUE, FALSE);
-        m_listScenes.EndBulkRows();
+        m_listScenes.SetRowCount(m_nSceneCount);
         m_listScenes.SelectRange(first, TRUE, last);
     }
     RestoreControls();

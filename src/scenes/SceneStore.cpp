@@ -60,19 +60,23 @@ bool OnThreadOf(HWND hWnd)
     return hWnd && GetWindowThreadProcessId(hWnd, nullptr) == GetCurrentThreadId();
 }
 
-// Scene notifications that the dialog's queue refused, oldest first.
-struct UnpostedScene {
+// Scene notifications waiting for the dialog, oldest first, and whether a
+// WM_PRESCAN_NOTIFIED is on its way to wake it.
+struct SceneNotification {
     int nRow;
     int bBegun;
 };
-std::deque<UnpostedScene> g_unposted;
+std::deque<SceneNotification> g_notifications;
+bool g_bWakePosted;
 
 // Tells the dialog that a row begins or completes.  In a quick scan, or when
-// the host calls from a thread other than the dialog's, the message is
-// posted: the feed then does no window work of its own.  A full queue refuses
-// a posted message; the scene then waits here until the dialog takes it
-// (TakeUnpostedScene), and every later scene waits behind it, so the dialog
-// still sees them all, in order.
+// the host calls from a thread other than the dialog's, the feed does no
+// window work of its own: the notification waits here, and one posted
+// message wakes the dialog for all that come before it takes them.  A
+// message to another thread costs a round trip to the window system, which
+// under load takes longer than the rest of a scene's work: one per scene
+// would leave the dialog ever further behind a fast host.  When the queue
+// refuses the message, the dialog's status timer takes the notifications.
 void NotifyDialog(SceneFeedTarget& dlg, int nRow, int bBegun)
 {
     HWND hWnd = dlg.FeedWindow();
@@ -83,14 +87,13 @@ void NotifyDialog(SceneFeedTarget& dlg, int nRow, int bBegun)
     {
         qv::SceneLockGuard lock(g_csScenes);
         if (!lock.Held()) return;
-        if (!g_unposted.empty()) {
-            g_unposted.push_back({nRow, bBegun});
-            return;
-        }
+        g_notifications.push_back({nRow, bBegun});
+        if (g_bWakePosted) return;
+        g_bWakePosted = true;
     }
-    if (PostMessageA(hWnd, WM_PRESCAN_SCENE, static_cast<WPARAM>(nRow), bBegun)) return;
+    if (PostMessageA(hWnd, WM_PRESCAN_NOTIFIED, 0, 0)) return;
     qv::SceneLockGuard lock(g_csScenes);
-    if (lock.Held() && IsWindow(hWnd)) g_unposted.push_back({nRow, bBegun});
+    g_bWakePosted = false;
 }
 
 void FreeAll(qv::PtrArray<SceneInfo>& queue)
@@ -342,26 +345,28 @@ int ClearIncompleteScenes(SceneFeedTarget& dlg, int bForce)
     return nCompleted;
 }
 
-bool TakeUnpostedScene(int& nRow, int& bBegun)
+int BeginSceneNotifications()
 {
     qv::SceneLockGuard lock(g_csScenes);
-    if (!lock.Held() || g_unposted.empty()) return false;
-    nRow = g_unposted.front().nRow;
-    bBegun = g_unposted.front().bBegun;
-    g_unposted.pop_front();
+    g_bWakePosted = false;
+    return lock.Held() ? static_cast<int>(g_notifications.size()) : 0;
+}
+
+bool TakeSceneNotification(int& nRow, int& bBegun)
+{
+    qv::SceneLockGuard lock(g_csScenes);
+    if (!lock.Held() || g_notifications.empty()) return false;
+    nRow = g_notifications.front().nRow;
+    bBegun = g_notifications.front().bBegun;
+    g_notifications.pop_front();
     return true;
 }
 
-bool HasUnpostedScenes()
+void DropSceneNotifications()
 {
     qv::SceneLockGuard lock(g_csScenes);
-    return lock.Held() && !g_unposted.empty();
-}
-
-void DropUnpostedScenes()
-{
-    qv::SceneLockGuard lock(g_csScenes);
-    g_unposted.clear();
+    g_notifications.clear();
+    g_bWakePosted = false;
 }
 
 void ResetSceneCounters(int nCompletedScenes)
@@ -409,7 +414,8 @@ void FreeSceneStore()
     g_arMergeGroups.RemoveAll();
     FreeAll(g_arQuickBegins);
     FreeAll(g_arQuickEnds);
-    g_unposted.clear();
+    g_notifications.clear();
+    g_bWakePosted = false;
 }
 
 SceneRecord* FetchScene(int nPos)

@@ -14,16 +14,19 @@
 #include "scenes/SceneRecord.h"
 
 // Private messages the store posts to the dialog when the host feeds from a
-// thread of its own: remove the open trailing scene; show a captured file.
+// thread of its own: remove the open trailing scene; show a captured file;
+// take the scene notifications that wait (one message for all of them).
 #define WM_PRESCAN_CLEAR_INCOMPLETE (WM_USER + 2)
 #define WM_PRESCAN_CAPTURED (WM_USER + 3)
+#define WM_PRESCAN_NOTIFIED (WM_USER + 5)
 
 // What the store asks of the pre-scan dialog.
 class SceneFeedTarget {
 public:
     virtual ~SceneFeedTarget() = default;
-    virtual int CompletedSceneCount() const = 0;          // m_nSceneCount
-    virtual HWND FeedWindow() const = 0;                  // where WM_PRESCAN_SCENE is posted
+    // m_nSceneCount; read also from the host's threads.
+    virtual int CompletedSceneCount() const = 0;
+    virtual HWND FeedWindow() const = 0;                  // where the store posts its messages
     virtual int OnPreScanScene(int nRow, int bBegun) = 0; // the handler, called directly
     virtual void DeleteSceneRow(int nRow) = 0;            // one row of the scene list
     // After trailing incomplete scenes were removed: K completed scenes remain.
@@ -67,11 +70,13 @@ void SetCaptureFileName(SceneFeedTarget& dlg, int nNumber, const char* pszPath);
 // returns the completed count.
 int ClearIncompleteScenes(SceneFeedTarget& dlg, int bForce);
 void ResetSceneCounters(int nCompletedScenes);
-// Scenes whose WM_PRESCAN_SCENE the dialog's queue refused, for the dialog
-// to handle in order: the oldest, false when none waits.
-bool TakeUnpostedScene(int& nRow, int& bBegun);
-bool HasUnpostedScenes();
-void DropUnpostedScenes();
+// Scene notifications waiting for the dialog (a quick scan, or a host thread
+// of its own), oldest first.  The dialog, woken by WM_PRESCAN_NOTIFIED, takes
+// the count waiting (from then on, a new notification wakes it again), then
+// takes them one by one; false when none waits.
+int BeginSceneNotifications();
+bool TakeSceneNotification(int& nRow, int& bBegun);
+void DropSceneNotifications();
 void FreeSceneStore();
 void FreeQuickScanQueues();
 

@@ -101,7 +101,7 @@ void qvForceToStopPreScan(int32_t bClose)
 
 int32_t qvGetCurrentSceneNumber(void)
 {
-    return HasDialog() ? g_session.pDialog->m_nSceneCount : 0;
+    return HasDialog() ? g_session.pDialog->m_nSceneCount.load() : 0;
 }
 
 void qvGetLibFolderFromPreScan(char* pszFolder)

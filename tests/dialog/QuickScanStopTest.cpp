@@ -108,5 +108,21 @@ TEST_F(SceneLockTest, NoHostRequestWaitsOnIt)
 
 INSTANTIATE_TEST_SUITE_P(Backlogs, QuickScanStopTest, testing::ValuesIn(kCases));
 
+// Scenes from a host thread show as they come: while the scan still runs,
+// every row is there, the newest one selected, in view and drawn.
+TEST_F(SceneLockTest, RowsShowWhileTheScanRuns)
+{
+    g_session.nQuickScanSpeed = 2;
+    OpenDialog(), StartScan();
+    const int kLast = 19;  // more rows than the list shows at once
+    std::thread([this] { for (int i = 0; i <= kLast; ++i) FeedScene(Tc(0, 0, i, 0), Tc(0, 0, i, 9), false); }).join();
+    ASSERT_TRUE(PumpUntil([] { return qvGetCurrentSceneNumber() == kLast + 1; }));
+    HWND list = Item(IDC_SCENE_LIST);
+    int top = static_cast<int>(SendMessageA(list, LVM_GETTOPINDEX, 0, 0));
+    EXPECT_TRUE(Dlg().m_nState == PS_SCANNING && RowCount() == kLast + 1 &&
+                SendMessageA(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED) == kLast);
+    EXPECT_TRUE(top <= kLast && kLast < top + SendMessageA(list, LVM_GETCOUNTPERPAGE, 0, 0) && !GetUpdateRect(list, nullptr, FALSE));
+}
+
 } // namespace
 } // namespace qvtest

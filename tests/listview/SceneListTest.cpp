@@ -48,7 +48,7 @@ protected:
     void SetRow(int row, const char* comment)
     {
         std::strcpy(g_arScenes.GetAt(row)->szComment, comment);
-        Dlg().m_listScenes.SetSceneRow(row, row, FALSE, FALSE);
+        Dlg().m_listScenes.SetSceneRow(row, FALSE);
     }
     CInCommentEdit* Editor() { return Dlg().m_listScenes.m_pCommentEdit; }
 };
@@ -100,7 +100,7 @@ TEST_F(SceneListTest, ColumnWidthsFollowTheirTexts)
     const std::tuple<int, std::string, int> edits[] = {{0, std::string(80, 'w'), 160}, {1, "pier", 400}};
     for (const auto& [row, comment, width] : edits) {
         std::strcpy(g_arScenes.GetAt(row)->szComment, comment.c_str());  // as the editor leaves it
-        Dlg().m_listScenes.RefreshCommentAndFiles(row, row, TRUE, FALSE);
+        Dlg().m_listScenes.RefreshCommentAndFiles(row, TRUE, FALSE);
         EXPECT_EQ(CellText(row, COL_COMMENT), comment);
         EXPECT_EQ(Width(COL_COMMENT), width);
         ListMsg(LVM_SETCOLUMNWIDTH, COL_COMMENT, 400);  // the user widens it
