@@ -50,9 +50,12 @@ TEST_F(PreviewTest, FilePlaysOverItsThumbnailElseTheHostPlaysTheTape)
     SelectRow(1);
     for (bool pressAgain : {false, true}) {
         SCOPED_TRACE(pressAgain ? "stopped by a second press" : "played to its end");
-        Click(IDC_PREVIEW);
+        if (pressAgain) Click(IDC_PREVIEW);
+        else PressKey(VK_RETURN);  // Return in the list previews too, and does nothing else
         ASSERT_EQ(Dlg().m_nState, PS_FILE_PREVIEW);
         EXPECT_TRUE(Visible(IDC_PREVIEW_VIDEO) && Enabled(IDC_PREVIEW) && !Enabled(IDC_START_SCAN));
+        SetFocus(Item(IDC_TAPE_NAME));  // moving to another control leaves it playing
+        EXPECT_EQ(Dlg().m_nState, PS_FILE_PREVIEW);
         if (pressAgain) Click(IDC_PREVIEW);
         else EXPECT_TRUE(PumpUntil([&] { return Dlg().m_nState == PS_IDLE; }, 5000));
         EXPECT_EQ(Dlg().m_nState, PS_IDLE);
